@@ -1,0 +1,31 @@
+// Entities of kinds that the program does not know: they stay as the file holds them, their common properties apart.
+#pragma once
+
+#include "db/entity.h"
+
+class KcDbRawEntity : public KcDbEntity {
+    KCRX_DECLARE(KcDbRawEntity)
+public:
+    KcDbRawEntity() = default;
+    explicit KcDbRawEntity(const QByteArray& fileName)
+        : m_fileName(fileName)
+    {
+    }
+    struct Data {
+        KcDbObjectId block; ///< the block that shows it (dimensions, tables of other programs); null: none
+        KcGeExtents3d points; ///< box of the points that its groups hold
+    };
+    const Data& data() const { return m_data; }
+    Data& data() { return m_data; }
+    /// The name of its kind in the file, such as "MLINE".
+    const QByteArray& fileName() const { return m_fileName; }
+
+    /// The box of its block, else of the points it holds.
+    KcGeExtents3d geomExtents() const override;
+    /// eNotApplicable: what the program does not know it does not move.
+    Kcad::ErrorStatus transformBy(const KcGeMatrix3d&) override { return Kcad::eNotApplicable; }
+
+private:
+    QByteArray m_fileName;
+    Data m_data;
+};

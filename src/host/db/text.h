@@ -1,0 +1,119 @@
+// Texts: single-line, attributes and their definitions, multiline.
+#pragma once
+
+#include "db/entity.h"
+#include "db/entity_macros.h"
+
+struct KcDbTextData {
+    KcGePoint3d position; ///< object coordinates; the left end of the base line
+    KcGePoint3d alignment; ///< object coordinates; the point that other justifications refer to
+    double height = 0.2;
+    QString text;
+    double rotation = 0.0; ///< radians
+    double widthFactor = 1.0;
+    double oblique = 0.0; ///< radians
+    KcDbObjectId style; ///< null: "Standard"
+    int generation = 0; ///< 2 backwards, 4 upside down
+    int horizontal = 0; ///< 0 left, 1 centre, 2 right, 3 aligned, 4 middle, 5 fit
+    int vertical = 0; ///< 0 base line, 1 bottom, 2 middle, 3 top
+    double thickness = 0.0;
+    KcGeVector3d normal = KcGeVector3d::kZAxis;
+};
+
+class KcDbText : public KcDbEntity {
+    KCRX_DECLARE(KcDbText)
+public:
+    using Data = KcDbTextData;
+    KCDB_ENTITY_DATA
+
+    const QString& textString() const { return m_data.text; }
+    /// Control codes (%%d, %%c, %%p, %%u, %%o, %%nnn) resolved.
+    QString plainText() const;
+    /// Sets the text and puts a text that is not left-justified where its alignment point wants it.
+    void setTextString(const QString& text);
+    void setHeight(double height);
+    double height() const { return m_data.height; }
+    /// World coordinates of the point that the justification refers to.
+    KcGePoint3d anchor() const;
+    /// Computes `position` from the alignment point; needed after changes to height, text, style or justification.
+    void adjustAlignment();
+    /// Advance width of the text in drawing units.
+    double textWidth() const;
+
+protected:
+    /// Corners of the text in the plane of the text, before it is turned about its position.
+    KcGeExtents3d localBox() const;
+};
+
+/// A text of a block reference, filled in from its definition.
+class KcDbAttribute : public KcDbText {
+    KCRX_DECLARE(KcDbAttribute)
+public:
+    struct AttributeData {
+        QString tag;
+        int flags = 0; ///< 1 invisible, 2 constant, 4 verify, 8 preset
+        int fieldLength = 0;
+    };
+    const AttributeData& attribute() const { return m_attribute; }
+    AttributeData& attribute() { return m_attribute; }
+    bool isInvisible() const { return m_attribute.flags & 1; }
+
+private:
+    AttributeData m_attribute;
+};
+
+class KcDbAttributeDefinition : public KcDbText {
+    KCRX_DECLARE(KcDbAttributeDefinition)
+public:
+    struct AttributeData {
+        QString prompt;
+        QString tag;
+        int flags = 0; ///< as for attributes
+        int fieldLength = 0;
+    };
+    const AttributeData& attribute() const { return m_attribute; }
+    AttributeData& attribute() { return m_attribute; }
+    bool isInvisible() const { return m_attribute.flags & 1; }
+    bool isConstant() const { return m_attribute.flags & 2; }
+
+private:
+    AttributeData m_attribute;
+};
+
+class KcDbMText : public KcDbEntity {
+    KCRX_DECLARE(KcDbMText)
+public:
+    struct Data {
+        KcGePoint3d location; ///< world coordinates; the point that the attachment refers to
+        double height = 0.2;
+        double width = 0.0; ///< reference width at which lines break; 0: they do not
+        double definedHeight = 0.0;
+        int attachment = 1; ///< 1 top left, 2 top centre, … 9 bottom right
+        int flow = 1; ///< 1 left to right, 3 top to bottom, 5 by style
+        QString contents; ///< with format codes
+        KcDbObjectId style;
+        KcGeVector3d normal = KcGeVector3d::kZAxis;
+        bool hasDirection = false;
+        KcGeVector3d direction {1, 0, 0}; ///< of the X axis, world coordinates; used when `hasDirection`
+        double rotation = 0.0; ///< radians; used otherwise
+        int lineSpacingStyle = 1;
+        double lineSpacingFactor = 1.0;
+        int fillMode = 0; ///< 0 none, 1 colour, 2 window background
+        double fillFactor = 1.5;
+        int fillColor = 256;
+        double actualWidth = 0.0, actualHeight = 0.0; ///< as last computed by the program that wrote the file; 0: unknown
+    };
+    KCDB_ENTITY_DATA
+
+    const QString& contents() const { return m_data.contents; }
+    void setContents(const QString& contents);
+    /// The text without format codes; paragraphs are separated by line feeds.
+    QString plainText() const;
+    /// The lines as they are drawn, broken at the reference width, without format codes.
+    QStringList lines() const;
+    /// Size of the text as drawn, from the advances of its font, in drawing units.
+    double actualWidth() const;
+    double actualHeight() const;
+    /// Angle of the X axis of the text in its plane, radians.
+    double rotation() const;
+};
