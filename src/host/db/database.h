@@ -7,6 +7,7 @@
 
 #include <QString>
 
+#include <array>
 #include <deque>
 #include <memory>
 #include <unordered_map>
@@ -32,6 +33,16 @@ struct KcDbFinding {
     bool fixed = false;
     KcDbHandle handle = 0; ///< the object it is about; 0: the drawing
     QString text;
+};
+
+enum KcDbFindingNumber {
+    kFindingDuplicateHandle = 101,
+    kFindingUndefinedName = 102,
+    kFindingBadGroup = 103,
+    kFindingUndecodableText = 104,
+    kFindingTruncated = 105,
+    kFindingMisplacedRecord = 106,
+    kFindingUnknownReference = 107,
 };
 
 /// What remains of the file a database was read from; the file code derives its own from it.
@@ -118,6 +129,16 @@ public:
     const std::vector<KcDbFinding>& findings() const { return m_findings; }
     void addFinding(KcDbFinding finding);
 
+    /// Grows with every change; what is computed from the drawing can be kept until it does.
+    uint64_t changeCount() const { return m_changeCount; }
+
+    /// For readers: gives a table its handle in the file (0: the next free one).
+    void giveHandle(KcDbObjectId id, KcDbHandle handle);
+    /// For readers, after the last object: makes what every drawing needs and this one lacks (layer "0", model space,
+    /// …), marked as implicit.
+    void completeFrame();
+    void setCurrentSpace(KcDbObjectId block) { m_currentSpace = block; }
+
     KcDbDrawingFile* file() const { return m_file.get(); }
     void setFile(std::shared_ptr<KcDbDrawingFile> file) { m_file = std::move(file); }
 
@@ -129,6 +150,8 @@ private:
     KcDbObjectStub& newStub(KcDbHandle handle);
     KcDbObjectStub*& slot(KcDbHandle handle);
     void makeFrame();
+    void markImplicit(KcDbObjectId id);
+    KcDbObjectId currentRecord(KcDbObjectId table, const char* variable, const char* otherwise) const;
     void makeNewDrawing();
     void notifyCreated(KcDbObjectStub& stub);
     void notifyModified(KcDbObjectStub& stub);
@@ -151,5 +174,8 @@ private:
     QString m_fileName;
     KcDbVersion m_version = KcDbVersion::V2010;
     std::vector<KcDbFinding> m_findings;
+    KcDbObjectId m_currentSpace;
+    uint64_t m_changeCount = 0;
+    bool m_insideReactor = false;
     std::shared_ptr<KcDbDrawingFile> m_file;
 };

@@ -102,3 +102,10 @@ void KcDbUndo::clear()
     m_done.clear();
     m_undone.clear();
 }
+
+void KcDbUndo::discard()
+{
+    m_depth = 0;
+    m_open = {};
+    clear();
+}

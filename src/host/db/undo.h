@@ -37,6 +37,8 @@ public:
     bool canUndo() const { return !m_done.empty(); }
     bool canRedo() const { return !m_undone.empty(); }
     void clear();
+    /// Forgets everything, an open step included; for the end of the database.
+    void discard();
 
     /// Called before an object is changed, and after one was made.
     void willChange(KcDbObjectStub& stub);
