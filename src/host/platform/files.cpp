@@ -159,7 +159,7 @@ Result<QByteArray> readWholeFile(const QString& path)
 
 Status writeFileAtomically(const QString& path, const QByteArray& bytes)
 {
-    QString target = findPath(path);
+    QString target = path;
     if (const QFileInfo link(target); link.isSymLink())
         target = link.canonicalFilePath().isEmpty() ? link.symLinkTarget() : link.canonicalFilePath();
     const QByteArray targetName = QFile::encodeName(target);

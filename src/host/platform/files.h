@@ -19,14 +19,14 @@ QString findPath(const QString& path);
 /// The whole content of a file, found as by findPath(), or a sentence saying why it cannot be read.
 Result<QByteArray> readWholeFile(const QString& path);
 
-/// Writes a file, found as by findPath(), so that after a failure the old content is still there: to a
-/// temporary file in the same folder, flushed to the disk and renamed. The permissions of the old file are
-/// kept; a symbolic link stays one and its target is replaced; a write-protected file is refused; a device or
-/// pipe is written to directly. Does not make folders.
+/// Writes a file of exactly this name (a person's "Plan.dxf" must not land on "plan.dxf"), so that after a
+/// failure the old content is still there: to a temporary file in the same folder, flushed to the disk and
+/// renamed. The permissions of the old file are kept; a symbolic link stays one and its target is replaced; a
+/// write-protected file is refused; a device or pipe is written to directly. Does not make folders.
 Status writeFileAtomically(const QString& path, const QByteArray& bytes);
 
-/// Copies a file, whole or not at all. With failIfExists an existing target is left alone and the result is
-/// false. Says through the diagnostics why it failed.
+/// Copies a file, whole or not at all; both are found as by findPath(). With failIfExists an existing target
+/// is left alone and the result is false. Says through the diagnostics why it failed.
 bool CopyFileW(const QString& from, const QString& to, bool failIfExists);
 
 } // namespace platform

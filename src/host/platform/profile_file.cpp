@@ -73,9 +73,12 @@ bool holdsBreak(const QString& text)
     return text.contains(u'\n') || text.contains(u'\r') || text.contains(QChar(u'\0'));
 }
 
+constexpr char ansiName[] = "windows-936";
+
 class Converter {
 public:
     explicit Converter(const char* name)
+        : m_isAnsi(std::strcmp(name, ansiName) == 0)
     {
         UErrorCode status = U_ZERO_ERROR;
         m_converter = ucnv_open(name, &status);
@@ -100,9 +103,12 @@ public:
         ucnv_toUnicode(
             m_converter, &target, target + text.size(), &source, source + bytes.size(), nullptr, true,
             &status);
-        if (U_FAILURE(status))
+        text.truncate(U_FAILURE(status) ? 0 : target - start);
+        // The table of the ANSI code page gives the byte FF, which stands for nothing, this private
+        // character.
+        constexpr char16_t strayByte = 0xF8F5;
+        if (U_FAILURE(status) || (m_isAnsi && text.contains(QChar(strayByte))))
             return std::nullopt;
-        text.truncate(target - start);
         return text;
     }
 
@@ -128,6 +134,7 @@ public:
 private:
     UConverter* m_converter = nullptr;
     bool m_usable = false;
+    bool m_isAnsi;
 };
 
 using Encoding = ProfileFile::Encoding;
@@ -136,7 +143,7 @@ const char* converterName(Encoding encoding)
 {
     switch (encoding) {
     case Encoding::Gbk:
-        return "windows-936";
+        return ansiName;
     case Encoding::Gb18030:
         return "gb18030";
     default:
@@ -444,7 +451,7 @@ bool WritePrivateProfileStringW(
     const QByteArray after = file->bytes();
     if (after == before)
         return true;
-    const Status written = writeFileAtomically(fileName, after);
+    const Status written = writeFileAtomically(findPath(fileName), after);
     return written.ok() || refuse(written.error);
 }
 
