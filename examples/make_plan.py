@@ -31,7 +31,8 @@ SPECIES = {
     "栾树": (DECIDUOUS, 8, 52, "乔木", "Koelreuteria paniculata", "15", "6.5-7.0", 4.0, ""),
     "榉树": (DECIDUOUS, 11, 32, "乔木", "Zelkova schneideriana", "18", "7.5-8.0", 4.6, "全冠"),
     "朴树": (DECIDUOUS, 13, 62, "乔木", "Celtis sinensis", "30", "9.0-9.5", 6.4, "特选，造型优美"),
-    "无患子": (DECIDUOUS, 10, 50, "乔木", "Sapindus saponaria", "15", "6.0-6.5", 3.8, ""),
+    "无患子": (DECIDUOUS, 10, 44, "乔木", "Sapindus saponaria", "15", "6.0-6.5", 3.8, ""),
+    "乌桕": (DECIDUOUS, 9, 22, "乔木", "Triadica sebifera", "14", "6.0-6.5", 3.8, "秋色叶"),
     "合欢": (DECIDUOUS, 6, 231, "乔木", "Albizia julibrissin", "14", "5.5-6.0", 4.0, ""),
     "垂柳": (FOUNTAIN, 16, 72, "乔木", "Salix babylonica", "14", "5.5-6.0", 4.2, "临水种植"),
     "水杉": (CONIFER, 12, 84, "乔木", "Metasequoia glyptostroboides", "12", "8.0-8.5", 2.2, ""),
@@ -52,7 +53,7 @@ SPECIES = {
     "红叶石楠球": (BALL, 5, 14, "灌木", "Photinia × fraseri", "", "1.4", 1.4, "不脱脚"),
     "海桐球": (BALL, 4, 92, "灌木", "Pittosporum tobira", "", "1.2", 1.3, "不脱脚"),
     "无刺构骨球": (BALL, 6, 104, "灌木", "Ilex cornuta 'Fortunei'", "", "1.2", 1.2, "不脱脚"),
-    "金叶女贞球": (BALL, 3, 51, "灌木", "Ligustrum × vicaryi", "", "1.0", 1.1, "不脱脚"),
+    "金叶女贞球": (BALL, 3, 54, "灌木", "Ligustrum × vicaryi", "", "1.0", 1.1, "不脱脚"),
     "红花檵木球": (BALL, 7, 222, "灌木", "Loropetalum chinense var. rubrum", "", "1.2", 1.2, "不脱脚"),
     "山茶": (EVERGREEN, 6, 242, "灌木", "Camellia japonica", "", "1.5", 1.3, ""),
     "含笑": (EVERGREEN, 5, 64, "灌木", "Michelia figo", "", "1.4", 1.2, ""),
@@ -65,7 +66,7 @@ DATA_TAGS = ("拉丁名", "胸径", "高度", "冠幅", "备注")
 
 # Ground cover: hatch pattern, pattern scale, colour. One pattern for each plant.
 COVER = {
-    "毛杜鹃": ("ANSI37", 90, 221), "金森女贞": ("NET", 90, 52), "瓜子黄杨": ("ANSI31", 60, 94),
+    "毛杜鹃": ("ANSI37", 90, 221), "金森女贞": ("NET", 90, 54), "瓜子黄杨": ("ANSI31", 60, 94),
     "麦冬": ("DASH", 60, 84), "鸢尾": ("TRIANG", 45, 172), "八仙花": ("HEX", 55, 151),
     "大吴风草": ("PLAST", 60, 62), "狼尾草": ("FLEX", 45, 42), "发草": ("ANSI32", 60, 72),
     "月季": ("STARS", 40, 11), "萱草": ("CROSS", 45, 40), "红花酢浆草": ("DOTS", 90, 210),
@@ -391,6 +392,13 @@ def plant():
     g.cluster("桂花", 30, 18, 6, 6)
     g.cluster("榉树", 57, 73, 3, 4.5)
     g.cluster("鸡爪槭", 66.5, 71, 3, 3.2)
+    g.cluster("朴树", 51, 31.5, 1, 2)
+    g.cluster("乌桕", 18, 19.5, 4, 4.5)
+    g.cluster("黑松", 34, 48, 3, 4)
+    g.cluster("日本晚樱", 108, 31, 4, 4)
+    g.cluster("栾树", 76, 30.5, 1, 3)
+    g.cluster("银杏", 100, 77, 3, 4)
+    g.cluster("石榴", 109.5, 47, 3, 2.5)
     # Shrubs along the buildings
     g.row("红叶石楠球", (71.5, 55.9), (84, 55.9), 1.55)
     g.row("海桐球", (91.5, 55.9), (103.5, 55.9), 1.5)
