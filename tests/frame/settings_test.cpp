@@ -246,6 +246,18 @@ TEST_F(Settings, languageTexts)
     EXPECT_EQ(texts.GetString("PICK"), "");
 }
 
+TEST_F(Settings, theShippedFilesAreUnderstood)
+{
+    platform::setAppRoot(VERDELIS_SOURCE_DIR "/share/verdelis");
+    CText texts;
+    EXPECT_TRUE(texts.Initialize("_zh"));
+    EXPECT_TRUE(texts.GetString("INPUTTHENAME").startsWith('\n'));
+    double scale = 0;
+    EXPECT_NE(GetVerdelis("dDrawingScale", scale), 0);
+    EXPECT_EQ(scale, 100);
+    EXPECT_TRUE(m_said.isEmpty()) << m_said.join("\n").toStdString();
+}
+
 TEST(Split, fields)
 {
     struct Row {

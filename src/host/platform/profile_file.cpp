@@ -2,12 +2,9 @@
 
 #include "platform/profile_file.h"
 
+#include "platform/character_sets.h"
 #include "platform/diagnostics.h"
 #include "platform/files.h"
-
-#include <unicode/ucnv.h>
-
-#include <cstring>
 
 namespace platform {
 
@@ -73,88 +70,21 @@ bool holdsBreak(const QString& text)
     return text.contains(u'\n') || text.contains(u'\r') || text.contains(QChar(u'\0'));
 }
 
-constexpr char ansiName[] = "windows-936";
-
-class Converter {
-public:
-    explicit Converter(const char* name)
-        : m_isAnsi(std::strcmp(name, ansiName) == 0)
-    {
-        UErrorCode status = U_ZERO_ERROR;
-        m_converter = ucnv_open(name, &status);
-        ucnv_setToUCallBack(m_converter, UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
-        ucnv_setFromUCallBack(m_converter, UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
-        m_usable = U_SUCCESS(status);
-    }
-    ~Converter() { ucnv_close(m_converter); }
-    Converter(const Converter&) = delete;
-    Converter& operator=(const Converter&) = delete;
-
-    std::optional<QString> toText(const QByteArray& bytes)
-    {
-        if (!m_usable)
-            return std::nullopt;
-        QString text(bytes.size() + 1, Qt::Uninitialized);
-        auto* target = reinterpret_cast<UChar*>(text.data());
-        UChar* const start = target;
-        const char* source = bytes.constData();
-        UErrorCode status = U_ZERO_ERROR;
-        ucnv_reset(m_converter);
-        ucnv_toUnicode(
-            m_converter, &target, target + text.size(), &source, source + bytes.size(), nullptr, true,
-            &status);
-        text.truncate(U_FAILURE(status) ? 0 : target - start);
-        // The table of the ANSI code page gives the byte FF, which stands for nothing, this private
-        // character.
-        constexpr char16_t strayByte = 0xF8F5;
-        if (U_FAILURE(status) || (m_isAnsi && text.contains(QChar(strayByte))))
-            return std::nullopt;
-        return text;
-    }
-
-    std::optional<QByteArray> toBytes(const QString& text)
-    {
-        if (!m_usable)
-            return std::nullopt;
-        QByteArray bytes(text.size() * 4 + 1, Qt::Uninitialized);
-        char* target = bytes.data();
-        char* const start = target;
-        const auto* source = reinterpret_cast<const UChar*>(text.utf16());
-        UErrorCode status = U_ZERO_ERROR;
-        ucnv_reset(m_converter);
-        ucnv_fromUnicode(
-            m_converter, &target, target + bytes.size(), &source, source + text.size(), nullptr, true,
-            &status);
-        if (U_FAILURE(status))
-            return std::nullopt;
-        bytes.truncate(target - start);
-        return bytes;
-    }
-
-private:
-    UConverter* m_converter = nullptr;
-    bool m_usable = false;
-    bool m_isAnsi;
-};
-
 using Encoding = ProfileFile::Encoding;
 
-const char* converterName(Encoding encoding)
+std::optional<CharacterSet> characterSet(Encoding encoding)
 {
-    switch (encoding) {
-    case Encoding::Gbk:
-        return ansiName;
-    case Encoding::Gb18030:
-        return "gb18030";
-    default:
-        return "utf-8";
-    }
+    if (encoding == Encoding::Gbk)
+        return CharacterSet::named(u"GBK");
+    if (encoding == Encoding::Gb18030)
+        return CharacterSet::named(u"GB18030");
+    return CharacterSet::utf8();
 }
 
 constexpr char utf8Mark[] = "\xEF\xBB\xBF";
 constexpr char utf16Mark[] = "\xFF\xFE";
 
-struct Decoded {
+struct StoredText {
     QString text;
     Encoding encoding;
 };
@@ -179,34 +109,46 @@ QByteArray toUtf16(const QString& text)
     return bytes;
 }
 
-Result<Decoded> decodeAny(const QByteArray& bytes)
+// The text of bytes that all mean something in the encoding.
+std::optional<QString> cleanText(const QByteArray& bytes, Encoding encoding)
 {
-    using Outcome = Result<Decoded>;
+    const auto set = characterSet(encoding);
+    Decoded decoded = set ? set->decode({ bytes.constData(), size_t(bytes.size()) }) : Decoded();
+    // The table of GBK gives the byte FF, which stands for nothing, this private character.
+    constexpr char16_t strayByte = 0xF8F5;
+    if (!set || !decoded.clean() || (encoding == Encoding::Gbk && decoded.text.contains(QChar(strayByte))))
+        return std::nullopt;
+    return std::move(decoded.text);
+}
+
+Result<StoredText> decodeAny(const QByteArray& bytes)
+{
+    using Outcome = Result<StoredText>;
     if (bytes.startsWith(utf16Mark)) {
         if (bytes.size() % 2 != 0)
             return Outcome::failure(QStringLiteral("the UTF-16 text ends in the middle of a character"));
-        return { Decoded{ fromUtf16(bytes.mid(2)), Encoding::Utf16 }, {} };
+        return { StoredText{ fromUtf16(bytes.mid(2)), Encoding::Utf16 }, {} };
     }
     if (bytes.startsWith("\xFE\xFF"))
         return Outcome::failure(
             QStringLiteral("it is UTF-16 with the high byte first, which is not supported"));
     if (bytes.startsWith(utf8Mark)) {
-        if (auto text = Converter("utf-8").toText(bytes.mid(3)))
-            return { Decoded{ std::move(*text), Encoding::Utf8WithMark }, {} };
+        if (auto text = cleanText(bytes.mid(3), Encoding::Utf8WithMark))
+            return { StoredText{ std::move(*text), Encoding::Utf8WithMark }, {} };
         return Outcome::failure(QStringLiteral("it is marked as UTF-8 but holds bytes that are none"));
     }
     for (const Encoding encoding : { Encoding::Utf8, Encoding::Gbk, Encoding::Gb18030 })
-        if (auto text = Converter(converterName(encoding)).toText(bytes))
-            return { Decoded{ std::move(*text), encoding }, {} };
+        if (auto text = cleanText(bytes, encoding))
+            return { StoredText{ std::move(*text), encoding }, {} };
     return Outcome::failure(QStringLiteral("it is neither UTF-8 nor UTF-16 nor GBK text"));
 }
 
 // Null characters are a sign of UTF-16 without its mark, or of no text at all.
-Result<Decoded> decode(const QByteArray& bytes)
+Result<StoredText> decode(const QByteArray& bytes)
 {
-    Result<Decoded> decoded = decodeAny(bytes);
+    Result<StoredText> decoded = decodeAny(bytes);
     if (decoded && decoded->text.contains(QChar(u'\0')))
-        return Result<Decoded>::failure(QStringLiteral("it holds null characters, which no text has"));
+        return Result<StoredText>::failure(QStringLiteral("it holds null characters, which no text has"));
     return decoded;
 }
 
@@ -214,15 +156,18 @@ std::optional<QByteArray> encode(const QString& text, Encoding encoding)
 {
     if (encoding == Encoding::Utf16)
         return toUtf16(text);
-    const auto bytes = Converter(converterName(encoding)).toBytes(text);
-    return bytes && encoding == Encoding::Utf8WithMark ? utf8Mark + *bytes : bytes;
+    const auto set = characterSet(encoding);
+    const Encoded encoded = set ? set->encode(text) : Encoded();
+    if (!set || !encoded.clean())
+        return std::nullopt;
+    return encoding == Encoding::Utf8WithMark ? utf8Mark + encoded.bytes : encoded.bytes;
 }
 
 } // namespace
 
 Result<ProfileFile> ProfileFile::parse(const QByteArray& bytes)
 {
-    const Result<Decoded> decoded = decode(bytes);
+    const Result<StoredText> decoded = decode(bytes);
     if (!decoded)
         return Result<ProfileFile>::failure(decoded.error);
     ProfileFile file;
