@@ -680,8 +680,9 @@ def text_width(value, height=TEXT):
 class Labels:
     """Finds each label a free spot: never on another label or a title, rarely on a symbol."""
 
-    def __init__(self, plants):
+    def __init__(self, plants, covered):
         self.taken = []
+        self.covered = covered
         self.circles = [(x, y, r) for _, x, y, r in plants]
         self.leaders = []
 
@@ -704,6 +705,9 @@ class Labels:
         for poly in FLAT_BUILDINGS:
             if any(inside(p, poly) for p in ((x0, y0), (x1, y0), (x0, y1), (x1, y1))):
                 cost += 6
+        for poly in self.covered:
+            if any(inside((x, y), poly) for x in (x0, (x0 + x1) / 2, x1) for y in (y0, y1)):
+                cost += 2
         for (ax, ay), (bx, by) in self.leaders:
             for i in range(13):
                 px, py = ax + (bx - ax) * i / 12, ay + (by - ay) * i / 12
@@ -763,7 +767,8 @@ def chain(points):
 
 
 def draw_labels(sheet, garden, bed_list):
-    labels = Labels(garden.plants)
+    labels = Labels(garden.plants, [flatten(c, True, 0.6) for _, c, how in bed_list
+                                      if how == "poly" and c is not EAST_LAWN])
     for x0, y0, x1, y1 in ((81, 62.5, 94, 67), (22, 61, 32, 65.6), (69, 16.8, 73.5, 20), (27, 4.7, 33, 6), (89, 4.7, 101, 6.5),
                            (60.5, 17, 61.6, 23), (60, 33, 64, 34.2), (58.5, 49, 63.5, 50.2), (60.5, 41.2, 64, 42.3),
                            (32.5, 33.8, 40.6, 36), (53.8, 43, 55.4, 43.8), (87, 51, 90, 52)):
@@ -878,6 +883,12 @@ def main():
     sheet.doc.header["$EXTMIN"] = (0, 0, 0)
     sheet.doc.header["$EXTMAX"] = (SHEET[0] * MM, SHEET[1] * MM, 0)
     sheet.doc.set_modelspace_vport(height=SHEET[1] * MM, center=(SHEET[0] * MM / 2, SHEET[1] * MM / 2))
+    # The library collects the classes in a set: without this their order changes from run to run.
+    classes = sheet.doc.classes
+    for dxftype in sorted({e.dxftype() for e in sheet.doc.entitydb.values()}):
+        classes.add_class(dxftype)
+    classes.add_required_classes(sheet.doc.dxfversion)
+    classes.classes = dict(sorted(classes.classes.items()))
     sheet.doc.saveas(out)
 
     counts = {}

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Counts the plants of the example plan and saves it with the table.
-#   examples/run.sh [OUT]      OUT: folder of the results, out/ by default
+#   examples/run.sh [OUT]      OUT: folder of the results, from the repository root; out/ by default
 set -u
 cd "$(dirname "$0")/.." || exit 1
 
