@@ -60,6 +60,7 @@ void MarkupDocument::clear()
     m_encoding.clear();
     m_byteOrderMark = false;
     m_result.clear();
+    m_error.clear();
     parse();
 }
 
@@ -67,6 +68,7 @@ bool MarkupDocument::SetDoc(const QString& text)
 {
     m_text = text;
     m_result.clear();
+    m_error.clear();
     return parse();
 }
 

@@ -24,8 +24,9 @@ public:
 
     MarkupDocument() { SetDoc({}); }
 
-    // Reads, decodes and parses a file; afterwards the position is before the first top-level element. False,
-    // with an empty document and "file_error" in the result, when the file cannot be read.
+    // Reads, decodes and parses a file, found without regard to letter case; afterwards the position is
+    // before the first top-level element. False, with an empty document and "file_error" in the result, when
+    // the file cannot be read.
     bool Load(const QString& path);
     // Writes the document in the encoding and with the byte order mark it was loaded with; UTF-8 for a new
     // one, unless its declaration says otherwise. The file is replaced as a whole or not at all. False with
@@ -51,6 +52,8 @@ public:
     // root_has_sibling, no_root_element. Offsets are in UTF-16 units of the text, or in bytes for what
     // concerns the encoding. Of each parse finding the first twenty are listed and the others counted.
     QString GetResult() const { return m_result; }
+    // Why the last Load or Save failed, as a sentence for the user; empty when it did not.
+    QString GetError() const { return m_error; }
     // The encoding of the loaded file ("UTF-8", "UTF-16LE", "UTF-16BE", "GBK", …).
     QString GetEncoding() const { return m_encoding; }
 
@@ -148,4 +151,5 @@ private:
     QString m_encoding;
     bool m_byteOrderMark = false;
     QString m_result;
+    QString m_error;
 };

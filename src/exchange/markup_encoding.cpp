@@ -3,10 +3,7 @@
 
 #include "exchange/markup_result.h"
 #include "platform/character_sets.h"
-
-#include <QSaveFile>
-
-#include <cstring>
+#include "platform/files.h"
 
 using markup::resultItem;
 using platform::CharacterSet;
@@ -70,17 +67,14 @@ bool isUtf16(const QString& encoding)
 
 bool MarkupDocument::Load(const QString& path)
 {
-    QFile file(path);
-    QByteArray bytes;
-    const bool opened = file.open(QIODevice::ReadOnly);
-    if (opened)
-        bytes = file.readAll();
-    if (!opened || file.error() != QFileDevice::NoError) {
+    const platform::Result<QByteArray> bytes = platform::readWholeFile(path);
+    if (!bytes) {
         clear();
-        m_result = resultItem("read") + resultItem("file_error", { { "msg", file.errorString() } });
+        m_result = resultItem("read") + resultItem("file_error", { { "msg", bytes.error } });
+        m_error = bytes.error;
         return false;
     }
-    SetBytes({ bytes.constData(), size_t(bytes.size()) });
+    SetBytes({ bytes->constData(), size_t(bytes->size()) });
     return true;
 }
 
@@ -172,6 +166,7 @@ void MarkupDocument::SetBytes(std::string_view bytes)
 
 QByteArray MarkupDocument::GetBytes()
 {
+    m_error.clear();
     QString encoding = m_encoding;
     if (encoding.isEmpty())
         encoding = declaredEncoding();
@@ -217,9 +212,10 @@ QByteArray MarkupDocument::GetBytes()
 bool MarkupDocument::Save(const QString& path)
 {
     const QByteArray bytes = GetBytes();
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
-        return true;
-    m_result += resultItem("file_error", { { "msg", file.errorString() } });
-    return false;
+    const platform::Status status = platform::writeFileAtomically(platform::findPath(path), bytes);
+    if (!status) {
+        m_result += resultItem("file_error", { { "msg", status.error } });
+        m_error = status.error;
+    }
+    return status.ok();
 }
