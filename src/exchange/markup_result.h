@@ -8,7 +8,7 @@
 
 namespace markup {
 
-// One result item; attributes with an empty value are left out.
+/// One result item; attributes with an empty value are left out.
 inline QString
 resultItem(const char* name, std::initializer_list<std::pair<const char*, QString>> attributes = {})
 {
