@@ -3,6 +3,7 @@
 
 #include "db/entity.h"
 #include "db/entity_macros.h"
+#include "ge/spline.h"
 
 /// Base of everything that has a length. Curve questions are answered by geometry of their own.
 class KcDbCurve : public KcDbEntity {
@@ -92,6 +93,9 @@ public:
     /// The point of the curve at a knot value, by de Boor's algorithm; the first control or fit point when the curve
     /// is incomplete.
     KcGePoint3d pointAt(double knot) const;
+    /// The curve in world coordinates: as given by control points, else through the fit points. Not valid
+    /// (`isValid`) when neither make a curve.
+    KcGeNurbsCurve3d curve() const;
 };
 
 /// A line without ends (XLINE).

@@ -56,6 +56,9 @@ public:
 
     /// The box of what the entity draws, in world coordinates; empty when it draws nothing.
     virtual KcGeExtents3d geomExtents() const = 0;
+    /// The box of the entity's image under an affine transform, uneven scaling included: what a block reference needs
+    /// of the entities that it draws. Entities that cannot tell give the image of their own box.
+    virtual KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const { return matrix.transformed(geomExtents()); }
     /// Moves, turns, scales or mirrors the entity.
     virtual Kcad::ErrorStatus transformBy(const KcGeMatrix3d& matrix) = 0;
 

@@ -6,7 +6,8 @@
 public:                                                                                                      \
     const Data& data() const { return m_data; }                                                              \
     Data& data() { return m_data; }                                                                          \
-    KcGeExtents3d geomExtents() const override;                                                              \
+    KcGeExtents3d geomExtents() const override { return extentsUnder(KcGeMatrix3d()); }                      \
+    KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const override;                                   \
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d& matrix) override;                                      \
                                                                                                              \
 protected:                                                                                                   \

@@ -6,6 +6,39 @@
 #include <algorithm>
 #include <limits>
 
+/// A box of the plane, parallel to its axes. A box that holds no point is empty; its corners mean nothing then.
+struct KcGeExtents2d {
+    KcGePoint2d min {kNone, kNone};
+    KcGePoint2d max {-kNone, -kNone};
+
+    bool isEmpty() const { return !(min.x <= max.x && min.y <= max.y); }
+    void addPoint(KcGePoint2d p)
+    {
+        min = {std::min(min.x, p.x), std::min(min.y, p.y)};
+        max = {std::max(max.x, p.x), std::max(max.y, p.y)};
+    }
+    void addExtents(const KcGeExtents2d& box)
+    {
+        if (box.isEmpty())
+            return;
+        addPoint(box.min);
+        addPoint(box.max);
+    }
+    /// True when the other box lies in this one, edges included.
+    bool contains(const KcGeExtents2d& box) const
+    {
+        return min.x <= box.min.x && box.max.x <= max.x && min.y <= box.min.y && box.max.y <= max.y;
+    }
+    bool contains(KcGePoint2d p) const { return min.x <= p.x && p.x <= max.x && min.y <= p.y && p.y <= max.y; }
+    bool overlaps(const KcGeExtents2d& box) const
+    {
+        return min.x <= box.max.x && box.min.x <= max.x && min.y <= box.max.y && box.min.y <= max.y;
+    }
+
+private:
+    static constexpr double kNone = std::numeric_limits<double>::infinity();
+};
+
 /// A box parallel to the world axes. A box that holds no point is empty; its corners mean nothing then.
 struct KcGeExtents3d {
     KcGePoint3d min {kNone, kNone, kNone};
