@@ -65,8 +65,22 @@ private:
 class KcDbBlockBegin : public KcDbEntity {
     KCRX_DECLARE(KcDbBlockBegin)
 public:
+    /// Values of the definition that the file keeps here; brought up to date from the block's record when it is saved.
+    struct Data {
+        QString name;
+        KcGePoint3d origin;
+        int flags = 0;
+        QString xrefPath, description;
+        friend bool operator==(const Data&, const Data&) = default;
+    };
+    const Data& data() const { return m_data; }
+    Data& data() { return m_data; }
+
     KcGeExtents3d geomExtents() const override { return {}; }
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d&) override { return Kcad::eOk; }
+
+private:
+    Data m_data;
 };
 
 class KcDbBlockEnd : public KcDbEntity {

@@ -1,0 +1,176 @@
+// Codecs of dictionaries, extension records, groups and layouts.
+
+#include "db/dictionary.h"
+#include "db/open.h"
+#include "dxf/codec.h"
+#include "dxf/written.h"
+
+namespace dxf {
+
+namespace {
+
+class DictionaryCodec : public Codec {
+public:
+    explicit DictionaryCodec(const char* name)
+        : Codec(name, KcDbDictionary::desc())
+    {
+    }
+    std::unique_ptr<KcDbObject> create() const override { return std::make_unique<KcDbDictionary>(); }
+    bool read(KcDbObject& object, const Group& group, ReadState& state) const override
+    {
+        KcDbDictionary::Data& d = static_cast<KcDbDictionary&>(object).data();
+        switch (group.code) {
+        case 3:
+            d.entries.push_back({state.context.text(group), {}});
+            return true;
+        case 350:
+        case 360:
+            if (d.entries.empty())
+                return false;
+            d.entries.back().id = state.context.handle(group);
+            return true;
+        case 280:
+            d.hardOwner = group.integer() != 0;
+            return true;
+        case 281:
+            d.cloning = int(group.integer());
+            return true;
+        case 340:
+            d.defaultId = state.context.handle(group);
+            return true;
+        default:
+            return false;
+        }
+    }
+    void write(const KcDbObject& object, GroupList& out) const override
+    {
+        const KcDbDictionary::Data& d = static_cast<const KcDbDictionary&>(object).data();
+        out.subclass("AcDbDictionary");
+        out.integer(280, d.hardOwner, 0);
+        out.integer(281, d.cloning);
+        for (const KcDbDictionary::Entry& entry : d.entries) {
+            // Entries of objects that were never born stay: the file has them.
+            if (entry.id.isValid() && !isWritten(*entry.id.stub()))
+                continue;
+            out.text(3, entry.name);
+            out.handle(d.hardOwner ? 360 : 350, entry.id);
+        }
+        if (!d.defaultId.isNull()) {
+            out.subclass("AcDbDictionaryWithDefault");
+            out.handle(340, d.defaultId);
+        }
+    }
+};
+
+class XrecordCodec : public Codec {
+public:
+    XrecordCodec()
+        : Codec("XRECORD", KcDbXrecord::desc())
+    {
+    }
+    std::unique_ptr<KcDbObject> create() const override { return std::make_unique<KcDbXrecord>(); }
+    bool read(KcDbObject& object, const Group& group, ReadState& state) const override
+    {
+        KcDbXrecord::Data& d = static_cast<KcDbXrecord&>(object).data();
+        if (group.code == 280 && state.step == 0) {
+            d.cloning = int(group.integer());
+            state.step = 1;
+            return true;
+        }
+        state.step = 1;
+        // The y and z of a point follow its x under codes that are 10 and 20 higher.
+        if (!d.values.empty()) {
+            if (auto* p = std::get_if<KcGePoint3d>(&d.values.back().value)) {
+                if (group.code == d.values.back().code + 10) {
+                    p->y = group.real();
+                    return true;
+                }
+                if (group.code == d.values.back().code + 20) {
+                    p->z = group.real();
+                    return true;
+                }
+            }
+        }
+        d.values.push_back(state.context.typed(group));
+        return true;
+    }
+    void write(const KcDbObject& object, GroupList& out) const override
+    {
+        const auto& record = static_cast<const KcDbXrecord&>(object);
+        out.subclass("AcDbXrecord");
+        out.integer(280, record.data().cloning);
+        for (const KcDbTypedValue& value : record.values())
+            out.typed(value);
+    }
+};
+
+} // namespace
+
+void registerObjectCodecs()
+{
+    registerCodec(std::make_unique<DictionaryCodec>("DICTIONARY"));
+    registerCodec(std::make_unique<DictionaryCodec>("ACDBDICTIONARYWDFLT"));
+    registerCodec(std::make_unique<XrecordCodec>());
+    {
+        using D = KcDbGroup::Data;
+        registerCodec(std::make_unique<FieldCodec<KcDbGroup>>(
+            "GROUP",
+            std::vector<Field> {subclass("AcDbGroup"), field(300, &D::description), field(70, &D::anonymous),
+                field(71, &D::selectable)},
+            [](KcDbGroup& group, const Group& g, ReadState& state) {
+                if (g.code != 340)
+                    return false;
+                group.data().members.push_back(state.context.handle(g));
+                return true;
+            },
+            [](const KcDbGroup& group, GroupList& out) {
+                for (KcDbObjectId id : group.data().members)
+                    if (!id.isErased())
+                        out.handle(340, id);
+            }));
+    }
+    {
+        using D = KcDbLayout::Data;
+        class LayoutCodec : public FieldCodec<KcDbLayout> {
+        public:
+            using FieldCodec::FieldCodec;
+            bool read(KcDbObject& object, const Group& group, ReadState& state) const override
+            {
+                auto& layout = static_cast<KcDbLayout&>(object);
+                if (state.subclass == "AcDbPlotSettings") {
+                    if (group.code == 70)
+                        layout.data().plotFlags = int(group.integer());
+                    return group.code == 70;
+                }
+                return FieldCodec::read(object, group, state);
+            }
+            void write(const KcDbObject& object, GroupList& out) const override
+            {
+                const KcDbLayout::Data& d = static_cast<const KcDbLayout&>(object).data();
+                out.subclass("AcDbPlotSettings");
+                out.text(1, {}, {});
+                out.integer(70, d.plotFlags);
+                out.subclass("AcDbLayout");
+                out.text(1, d.name);
+                out.integer(70, d.flags);
+                out.integer(71, d.tabOrder);
+                out.point(10, d.limitsMin);
+                out.point(11, d.limitsMax);
+                out.handle(330, d.block);
+            }
+        };
+        registerCodec(std::make_unique<LayoutCodec>(
+            "LAYOUT",
+            std::vector<Field> {field(1, &D::name), field(70, &D::flags), field(71, &D::tabOrder),
+                field(10, &D::limitsMin), field(11, &D::limitsMax)},
+            [](KcDbLayout& layout, const Group& group, ReadState& state) {
+                // Behind the block come the last active viewport and named systems under the same code.
+                if (group.code != 330 || state.step++ > 0)
+                    return false;
+                layout.data().block = state.context.handle(group);
+                return true;
+            }));
+    }
+}
+
+} // namespace dxf
