@@ -170,6 +170,13 @@ void KcDbDatabase::giveHandle(KcDbObjectId id, KcDbHandle handle)
     reserveHandles(handle);
 }
 
+void KcDbDatabase::exchangeHandles(KcDbObjectStub& a, KcDbObjectStub& b)
+{
+    std::swap(a.handle, b.handle);
+    slot(a.handle) = &a;
+    slot(b.handle) = &b;
+}
+
 KcDbObjectId KcDbDatabase::modelSpace() const
 {
     const KcDbObjectId id = kcdbFindRecord(m_blockTable, QStringLiteral("*Model_Space"));

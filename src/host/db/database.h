@@ -134,6 +134,8 @@ public:
 
     /// For readers: gives a table its handle in the file (0: the next free one).
     void giveHandle(KcDbObjectId id, KcDbHandle handle);
+    /// For readers: lets two objects bear each other's handles.
+    void exchangeHandles(KcDbObjectStub& a, KcDbObjectStub& b);
     /// For readers, after the last object: makes what every drawing needs and this one lacks (layer "0", model space,
     /// …), marked as implicit.
     void completeFrame();

@@ -105,4 +105,7 @@ void KcDbDatabase::completeFrame()
 void KcDbDatabase::markImplicit(KcDbObjectId id)
 {
     id.stub()->flags |= KcDbObjectStub::kImplicit;
+    KcDbSourcePlace place = id.stub()->object->sourcePlace();
+    place.changed = false;
+    id.stub()->object->setSourcePlace(place);
 }

@@ -151,6 +151,10 @@ void KcDbOpenBase::beginWrite(KcDbObjectStub& stub)
 {
     stub.database->m_undo.willChange(stub);
     KcDbSourcePlace place = stub.object->sourcePlace();
+    // What every drawing is given in memory enters the file with its first change, and its owner must then name it.
+    if ((stub.flags & KcDbObjectStub::kImplicit) && !place.changed)
+        if (const KcDbObjectId owner = stub.object->ownerId(); owner.isResident())
+            beginWrite(*owner.stub());
     place.changed = true;
     stub.object->setSourcePlace(place);
 }

@@ -64,6 +64,9 @@ public:
     /// be in a database, or `database` be given.
     void setXData(const QString& application, KcDbValueList values, KcDbDatabase* database = nullptr);
 
+    /// For readers: the extended data of all applications at once.
+    void setAllXData(std::vector<KcDbXData> xdata) { extras().xdata = std::move(xdata); }
+
     KcDbObjectId extensionDictionary() const { return m_extras ? m_extras->extensionDictionary : KcDbObjectId(); }
     /// The extension dictionary, made when missing. Null for an object that is in no database.
     KcDbObjectId createExtensionDictionary();
