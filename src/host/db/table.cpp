@@ -410,6 +410,8 @@ Kcad::ErrorStatus KcDbTable::setTextString(int row, int column, const QString& t
         cell.block = {};
         cell.field = {};
         cell.attributes.clear();
+        cell.fileValue.clear();
+        cell.others.clear();
     });
 }
 
@@ -432,6 +434,8 @@ Kcad::ErrorStatus KcDbTable::setBlockTableRecordId(int row, int column, KcDbObje
         cell.type = KcDbTableCell::kBlock;
         cell.text.clear();
         cell.field = {};
+        cell.fileValue.clear();
+        cell.others.clear();
         if (cell.block != block)
             cell.attributes.clear();
         cell.block = block;

@@ -42,7 +42,14 @@ struct KcDbTableCell {
     KcDbTableLook look;
     std::array<KcDbGridOverride, 4> edges; ///< by `Edge`
     int state = 0; ///< 0 free, 1 format locked, 2 content locked, 3 both
-    int flags = 0, virtualEdges = 0; ///< groups 172 and 178 of the file
+
+    // What only the file's form of a table has; goes with the content that it describes.
+    int flags = 0, virtualEdges = 0; ///< groups 172 and 178
+    int extendedFlags = 0; ///< group 92
+    int otherOverrides = 0; ///< bits of group 177 or 91 that are not said above
+    KcDbValueList
+        fileValue; ///< the groups of the value, from 2007 on: numbers, dates and formats of other programs
+    KcDbValueList others; ///< groups that no member above holds
 };
 
 /// A rectangle of cells that are one; rows and columns count from 0, both ends included.
@@ -81,6 +88,8 @@ struct KcDbTableData {
     std::optional<double> horizontalMargin, verticalMargin;
     std::array<RowLook, 3> rowLooks; ///< data, title, header
     double defaultRowHeight = 0.0, defaultColumnWidth = 0.0; ///< of rows and columns that `setSize` adds
+    std::array<int, 4> otherOverrides{}; ///< bits of groups 93 to 96 that are not said above
+    KcDbValueList others; ///< overriding groups that no member above holds
 };
 
 /// A table. Rows and columns count from 0. Positions outside the table are refused by setters with

@@ -43,6 +43,8 @@ public:
         KcCmColor textColor{ KcCmColor::kByBlock, -1 };
         KcCmColor fillColor{ 7, -1 };
         bool filled = false;
+        int dataType = 512, unitType = 0; ///< of values of other programs
+        QString valueFormat;
         std::array<KcDbGridLook, 6> grid; ///< in the order of `KcDbGridLine`
     };
     struct Data {
