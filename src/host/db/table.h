@@ -266,8 +266,17 @@ private:
     void computeHeights();
     double neededHeight(int row, int column, double width) const;
     KcDbObjectId ownBlock();
-    void drawGrid(const KcDbBlockTableRecord& block, KcDbObjectId layer, KcDbObjectId linetype) const;
-    void drawCell(const KcDbBlockTableRecord& block, KcDbObjectId layer, int row, int column) const;
+    struct Offsets {
+        std::vector<double> x, y; ///< of the grid lines, in the coordinates of the table
+    };
+    Offsets offsets() const;
+    KcGeExtents3d cellBox(const Offsets& lines, int row, int column) const;
+    void drawGrid(
+        const KcDbBlockTableRecord& block, KcDbObjectId layer, const Offsets& lines,
+        KcDbObjectId linetype) const;
+    void drawCell(
+        const KcDbBlockTableRecord& block, KcDbObjectId layer, const KcGeExtents3d& box, int row,
+        int column) const;
 
     KcDbTableData m_table;
     KcDbObjectId m_blockOwner; ///< the table for which the anonymous block was made; null: this one

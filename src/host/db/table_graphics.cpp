@@ -91,25 +91,31 @@ void KcDbTable::computeHeights()
     }
 }
 
+KcDbTable::Offsets KcDbTable::offsets() const
+{
+    // Lines are numbered in the order of rows, whichever way they run.
+    Offsets lines;
+    lines.x.assign(m_table.columns.size() + 1, 0.0);
+    lines.y.assign(m_table.rows.size() + 1, 0.0);
+    for (int column = 0; column < numColumns(); ++column)
+        lines.x[column + 1] = lines.x[column] + columnWidth(column);
+    const double up = isUpward() ? 1.0 : -1.0;
+    for (int row = 0; row < numRows(); ++row)
+        lines.y[row + 1] = lines.y[row] + up * rowHeight(row);
+    return lines;
+}
+
 KcGeExtents3d KcDbTable::cellBox(int row, int column) const
 {
-    KcGeExtents3d box;
-    if (!isCell(row, column))
-        return box;
+    return isCell(row, column) ? cellBox(offsets(), row, column) : KcGeExtents3d();
+}
+
+KcGeExtents3d KcDbTable::cellBox(const Offsets& lines, int row, int column) const
+{
     const KcDbCellRange range = mergeAt(row, column).value_or(KcDbCellRange{ row, row, column, column });
-    double left = 0.0, near = 0.0;
-    for (int c = 0; c < range.minColumn; ++c)
-        left += columnWidth(c);
-    for (int r = 0; r < range.minRow; ++r)
-        near += rowHeight(r);
-    double right = left, far = near;
-    for (int c = range.minColumn; c <= range.maxColumn; ++c)
-        right += columnWidth(c);
-    for (int r = range.minRow; r <= range.maxRow; ++r)
-        far += rowHeight(r);
-    const double up = isUpward() ? 1.0 : -1.0;
-    box.addPoint({ left, up * near, 0.0 });
-    box.addPoint({ right, up * far, 0.0 });
+    KcGeExtents3d box;
+    box.addPoint({ lines.x[range.minColumn], lines.y[range.minRow], 0.0 });
+    box.addPoint({ lines.x[range.maxColumn + 1], lines.y[range.maxRow + 1], 0.0 });
     return box;
 }
 
@@ -165,20 +171,22 @@ Kcad::ErrorStatus KcDbTable::recomputeTableBlock()
             entity->erase();
 
     const KcDbObjectId layer = kcdbFindRecord(database()->layerTable(), QStringLiteral("0"));
+    const Offsets lines = offsets();
     for (int row = 0; row < numRows(); ++row)
         for (int column = 0; column < numColumns(); ++column) {
             const std::optional<KcDbCellRange> merge = mergeAt(row, column);
             if (!merge || (merge->minRow == row && merge->minColumn == column))
-                drawCell(*block, layer, row, column);
+                drawCell(*block, layer, cellBox(lines, row, column), row, column);
         }
-    drawGrid(*block, layer, kcdbFindRecord(database()->linetypeTable(), QStringLiteral("ByBlock")));
+    drawGrid(*block, layer, lines, kcdbFindRecord(database()->linetypeTable(), QStringLiteral("ByBlock")));
     return Kcad::eOk;
 }
 
-void KcDbTable::drawCell(const KcDbBlockTableRecord& block, KcDbObjectId layer, int row, int column) const
+void KcDbTable::drawCell(
+    const KcDbBlockTableRecord& block, KcDbObjectId layer, const KcGeExtents3d& box, int row,
+    int column) const
 {
     const KcDbTableCell& held = cell(row, column);
-    const KcGeExtents3d box = cellBox(row, column);
     if (const std::optional<KcCmColor> color = backgroundColor(row, column)) {
         auto fill = std::make_unique<KcDbSolid>();
         prepare(*fill, layer, *color);
@@ -265,7 +273,8 @@ void KcDbTable::drawCell(const KcDbBlockTableRecord& block, KcDbObjectId layer, 
         block.appendEntity(std::move(text));
 }
 
-void KcDbTable::drawGrid(const KcDbBlockTableRecord& block, KcDbObjectId layer, KcDbObjectId linetype) const
+void KcDbTable::drawGrid(
+    const KcDbBlockTableRecord& block, KcDbObjectId layer, const Offsets& lines, KcDbObjectId linetype) const
 {
     const int rows = numRows(), columns = numColumns();
     // The merged area of every cell, so that no search is needed for each line.
@@ -276,14 +285,6 @@ void KcDbTable::drawGrid(const KcDbBlockTableRecord& block, KcDbObjectId layer, 
             for (int column = range.minColumn; column <= range.maxColumn; ++column)
                 area[size_t(row) * columns + column] = int(i);
     }
-    // Lines are numbered in the order of rows, whichever way they run.
-    std::vector<double> x(columns + 1, 0.0), y(rows + 1, 0.0);
-    for (int column = 0; column < columns; ++column)
-        x[column + 1] = x[column] + columnWidth(column);
-    const double up = isUpward() ? 1.0 : -1.0;
-    for (int row = 0; row < rows; ++row)
-        y[row + 1] = y[row] + up * rowHeight(row);
-
     using Cell = std::pair<int, int>;
     using Edge = KcDbTableCell::Edge;
     const auto exists
