@@ -335,7 +335,7 @@ void KcDbTable::drawGrid(
                 return between({ line - 1, column }, farEdge, { line, column }, nearEdge);
             },
             [&](int column) {
-                return KcGePoint3d{ x[column], y[line], 0.0 };
+                return KcGePoint3d { lines.x[column], lines.y[line], 0.0 };
             });
     for (int line = 0; line <= columns; ++line)
         run(
@@ -344,6 +344,6 @@ void KcDbTable::drawGrid(
                 return between({ row, line - 1 }, KcDbTableCell::kRight, { row, line }, KcDbTableCell::kLeft);
             },
             [&](int row) {
-                return KcGePoint3d{ x[line], y[row], 0.0 };
+                return KcGePoint3d { lines.x[line], lines.y[row], 0.0 };
             });
 }
