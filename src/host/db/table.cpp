@@ -56,6 +56,15 @@ void dropSingleCells(std::vector<KcDbCellRange>& merges)
     });
 }
 
+// The bits of the file's flags that tell which of the looks above them are given: once a look is set here
+// they are right again, whatever the file said.
+void trustLooks(KcDbTableCell& cell)
+{
+    constexpr int kLookBits = 0x3ffff;
+    cell.otherOverrides &= ~kLookBits;
+    cell.otherFlags &= ~0xf;
+}
+
 bool holdsForeignContent(const KcDbXrecord& record)
 {
     for (const KcDbTypedValue& value : record.values())
@@ -109,9 +118,18 @@ template <class Change> Kcad::ErrorStatus KcDbTable::changeCell(int row, int col
     return Kcad::eOk;
 }
 
+template <class Change> Kcad::ErrorStatus KcDbTable::changeLook(int row, int column, Change change)
+{
+    return changeCell(row, column, [&](KcDbTableCell& cell) {
+        trustLooks(cell);
+        change(cell);
+    });
+}
+
 template <class Change> void KcDbTable::changeRows(int rowTypes, Change change)
 {
     beforeChange();
+    m_table.otherOverrides[0] = 0;
     for (const KcDbRowType type : { kDataRow, kTitleRow, kHeaderRow })
         if (rowTypes & type)
             change(m_table.rowLooks[KcDbTableStyle::indexOf(type)]);
@@ -653,29 +671,29 @@ Kcad::ErrorStatus KcDbTable::setTextHeight(int row, int column, double height)
 {
     if (!(height > 0.0))
         return Kcad::eInvalidInput;
-    return changeCell(row, column, [&](KcDbTableCell& cell) { cell.look.textHeight = height; });
+    return changeLook(row, column, [&](KcDbTableCell& cell) { cell.look.textHeight = height; });
 }
 
 Kcad::ErrorStatus KcDbTable::setTextStyle(int row, int column, KcDbObjectId style)
 {
-    return changeCell(row, column, [&](KcDbTableCell& cell) { cell.look.textStyle = style; });
+    return changeLook(row, column, [&](KcDbTableCell& cell) { cell.look.textStyle = style; });
 }
 
 Kcad::ErrorStatus KcDbTable::setAlignment(int row, int column, int alignment)
 {
     if (alignment < 1 || alignment > 9)
         return Kcad::eInvalidInput;
-    return changeCell(row, column, [&](KcDbTableCell& cell) { cell.look.alignment = alignment; });
+    return changeLook(row, column, [&](KcDbTableCell& cell) { cell.look.alignment = alignment; });
 }
 
 Kcad::ErrorStatus KcDbTable::setContentColor(int row, int column, const KcCmColor& color)
 {
-    return changeCell(row, column, [&](KcDbTableCell& cell) { cell.look.contentColor = color; });
+    return changeLook(row, column, [&](KcDbTableCell& cell) { cell.look.contentColor = color; });
 }
 
 Kcad::ErrorStatus KcDbTable::setBackgroundColor(int row, int column, std::optional<KcCmColor> color)
 {
-    return changeCell(row, column, [&](KcDbTableCell& cell) {
+    return changeLook(row, column, [&](KcDbTableCell& cell) {
         cell.look.filled = color.has_value();
         cell.look.backgroundColor = color;
     });
@@ -684,7 +702,7 @@ Kcad::ErrorStatus KcDbTable::setBackgroundColor(int row, int column, std::option
 Kcad::ErrorStatus
 KcDbTable::setGridLook(int row, int column, KcDbTableCell::Edge edge, const KcDbGridLook& look)
 {
-    return changeCell(row, column, [&](KcDbTableCell& cell) {
+    return changeLook(row, column, [&](KcDbTableCell& cell) {
         cell.edges[edge] = { look.color, look.lineWeight, look.visible };
     });
 }

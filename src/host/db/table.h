@@ -44,9 +44,10 @@ struct KcDbTableCell {
     int state = 0; ///< 0 free, 1 format locked, 2 content locked, 3 both
 
     // What only the file's form of a table has; goes with the content that it describes.
-    int flags = 0, virtualEdges = 0; ///< groups 172 and 178
+    int virtualEdges = 0; ///< group 178
     int extendedFlags = 0; ///< group 92
-    int otherOverrides = 0; ///< bits of group 177 or 91 that are not said above
+    int otherFlags = 0,
+        otherOverrides = 0; ///< bits of groups 172 and 177 or 91 that differ from what is said above
     KcDbValueList
         fileValue; ///< the groups of the value, from 2007 on: numbers, dates and formats of other programs
     KcDbValueList others; ///< groups that no member above holds
@@ -253,6 +254,7 @@ private:
     }
     KcDbTableCell* at(int row, int column);
     template <class Change> Kcad::ErrorStatus changeCell(int row, int column, Change change);
+    template <class Change> Kcad::ErrorStatus changeLook(int row, int column, Change change);
     template <class Change> void changeRows(int rowTypes, Change change);
     const KcDbTableStyle::Data& styleData() const;
     const KcDbTableData::RowLook& rowLook(int row) const;

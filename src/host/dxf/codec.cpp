@@ -136,6 +136,7 @@ const Codecs& codecs()
         registerHatchCodec();
         registerTableRecordCodecs();
         registerObjectCodecs();
+        registerTableCodecs();
         return true;
     }();
     (void)built;

@@ -96,6 +96,7 @@ void registerEntityCodecs();
 void registerHatchCodec();
 void registerTableRecordCodecs();
 void registerObjectCodecs();
+void registerTableCodecs();
 
 // Tables of fields ------------------------------------------------------------------------------------------------------
 

@@ -9,8 +9,6 @@
 
 namespace dxf {
 
-void registerTableCodecs();
-
 namespace {
 
 using Cell = KcDbTableCell;
@@ -34,7 +32,6 @@ enum CellBit {
     kCellEdgeColor = 0x40, ///< of the top edge; the next bits are of the other edges
     kCellEdgeWeight = 0x400,
     kCellEdgeVisible = 0x4000,
-    kCellKnown = 0x3ffff,
 };
 
 // Bits of a table's overrides (93). Three bits in a row: title, header, data.
@@ -50,7 +47,6 @@ enum TableBit {
     kAlignments = 0x4000,
     kTextStyles = 0x20000,
     kTextHeights = 0x100000,
-    kTableKnown = 0x7fffff,
 };
 
 /// The bit of one row type among three. The groups of several types come in the order data, title, header, by
@@ -59,6 +55,51 @@ int bitOf(int first, int type)
 {
     constexpr int kShift[] = { 2, 0, 1 };
     return first << kShift[type];
+}
+
+/// What the flags of a cell say about the values that it has.
+struct CellFlags {
+    int overrides = 0; ///< 177 or 91
+    int edges = 0; ///< 172
+};
+
+CellFlags flagsOf(const KcDbTableLook& look, const std::array<KcDbGridOverride, 4>& edges)
+{
+    CellFlags flags;
+    flags.overrides |= look.alignment ? kCellAlignment : 0;
+    flags.overrides |= look.filled ? kCellFillNone : 0;
+    flags.overrides |= look.backgroundColor ? kCellFillColor : 0;
+    flags.overrides |= look.contentColor ? kCellContentColor : 0;
+    flags.overrides |= look.textStyle ? kCellTextStyle : 0;
+    flags.overrides |= look.textHeight ? kCellTextHeight : 0;
+    for (int edge = 0; edge < 4; ++edge) {
+        flags.overrides |= edges[edge].color ? kCellEdgeColor << edge : 0;
+        flags.overrides |= edges[edge].lineWeight ? kCellEdgeWeight << edge : 0;
+        flags.overrides |= edges[edge].visible ? kCellEdgeVisible << edge : 0;
+        flags.edges |= edges[edge].isSet() ? 1 << edge : 0;
+    }
+    return flags;
+}
+
+/// What the table's flags (93) say about the values that it has.
+int overridesOf(const KcDbTableData& data)
+{
+    int flags = 0;
+    flags |= data.titleSuppressed ? kTitleSuppressed : 0;
+    flags |= data.headerSuppressed ? kHeaderSuppressed : 0;
+    flags |= data.upward ? kFlow : 0;
+    flags |= data.horizontalMargin ? kHorizontalMargin : 0;
+    flags |= data.verticalMargin ? kVerticalMargin : 0;
+    for (int type = 0; type < 3; ++type) {
+        const KcDbTableLook& look = data.rowLooks[type].look;
+        flags |= look.contentColor ? bitOf(kContentColors, type) : 0;
+        flags |= look.filled ? bitOf(kFillNones, type) : 0;
+        flags |= look.backgroundColor ? bitOf(kFillColors, type) : 0;
+        flags |= look.alignment ? bitOf(kAlignments, type) : 0;
+        flags |= look.textStyle ? bitOf(kTextStyles, type) : 0;
+        flags |= look.textHeight ? bitOf(kTextHeights, type) : 0;
+    }
+    return flags;
 }
 
 KcCmColor indexColor(const Group& group)
@@ -102,6 +143,8 @@ public:
 
     void finish(ReadState& state)
     {
+        endCell();
+        m_data.otherOverrides[0] = m_overrides ^ overridesOf(m_data);
         const int64_t announced = int64_t(m_rows) * m_columns, met = int64_t(m_index) + 1;
         if (met != announced) {
             state.context.finding(
@@ -165,7 +208,6 @@ private:
             break;
         case 93:
             m_overrides = int(group.integer());
-            m_data.otherOverrides[0] = m_overrides & ~kTableKnown;
             break;
         case 94:
         case 95:
@@ -264,8 +306,20 @@ private:
             m_data.columns.push_back({ group.real(), {} });
     }
 
+    /// Keeps what the flags of the cell say beyond, or contrary to, its groups, so that they can be written
+    /// again.
+    void endCell()
+    {
+        if (!m_cell)
+            return;
+        const CellFlags flags = flagsOf(m_cell->look, m_cell->edges);
+        m_cell->otherOverrides ^= flags.overrides & m_bitsMask;
+        m_cell->otherFlags ^= flags.edges;
+    }
+
     void beginCell(const Group& group)
     {
+        endCell();
         ++m_index;
         if (int64_t(m_index) >= int64_t(m_rows) * m_columns) {
             m_surplus = {}; // more cells than the table has room for
@@ -302,7 +356,7 @@ private:
         Span& span = &cell == &m_surplus ? none : m_spans.back();
         switch (group.code) {
         case 172:
-            cell.flags = int(group.integer());
+            cell.otherFlags = int(group.integer());
             break;
         case 173:
             span.covered = group.integer() != 0;
@@ -320,7 +374,8 @@ private:
         case 91: {
             // Older programs write the low 16 bits only.
             const int bits = group.code == 177 ? int(group.integer()) & 0xffff : int(group.integer());
-            cell.otherOverrides = bits & ~kCellKnown;
+            cell.otherOverrides = bits;
+            m_bitsMask = group.code == 177 ? 0xffff : ~0;
             // That an edge is visible after all is said by the bit alone.
             for (int edge = 0; edge < 4; ++edge)
                 if (bits & (kCellEdgeVisible << edge))
@@ -436,6 +491,7 @@ private:
     int m_used = 0; ///< bits of the overrides whose groups were met
     bool m_inOverrides = false, m_inValue = false;
     int m_index = -1;
+    int m_bitsMask = ~0; ///< the bits that the file has room for
     Cell* m_cell = nullptr; ///< valid until the next cell begins
     Cell m_surplus;
     std::vector<Span> m_spans;
@@ -509,22 +565,7 @@ private:
 
     void writeOverrides()
     {
-        int flags = m_data.otherOverrides[0];
-        flags |= m_data.titleSuppressed ? kTitleSuppressed : 0;
-        flags |= m_data.headerSuppressed ? kHeaderSuppressed : 0;
-        flags |= m_data.upward ? kFlow : 0;
-        flags |= m_data.horizontalMargin ? kHorizontalMargin : 0;
-        flags |= m_data.verticalMargin ? kVerticalMargin : 0;
-        for (int type = 0; type < 3; ++type) {
-            const KcDbTableLook& look = m_data.rowLooks[type].look;
-            flags |= look.contentColor ? bitOf(kContentColors, type) : 0;
-            flags |= look.filled ? bitOf(kFillNones, type) : 0;
-            flags |= look.backgroundColor ? bitOf(kFillColors, type) : 0;
-            flags |= look.alignment ? bitOf(kAlignments, type) : 0;
-            flags |= look.textStyle ? bitOf(kTextStyles, type) : 0;
-            flags |= look.textHeight ? bitOf(kTextHeights, type) : 0;
-        }
-        m_out.integer(93, flags);
+        m_out.integer(93, overridesOf(m_data) ^ m_data.otherOverrides[0]);
         for (int i = 1; i < 4; ++i)
             m_out.integer(93 + i, m_data.otherOverrides[i]);
         if (m_data.titleSuppressed)
@@ -572,22 +613,11 @@ private:
         const bool covered = minRow != row || minColumn != column;
         const std::array<KcDbGridOverride, 4> edges = edgesOf(row, column);
 
-        int bits = cell.otherOverrides, edgeBits = 0;
-        bits |= cell.look.alignment ? kCellAlignment : 0;
-        bits |= cell.look.filled ? kCellFillNone : 0;
-        bits |= cell.look.backgroundColor ? kCellFillColor : 0;
-        bits |= cell.look.contentColor ? kCellContentColor : 0;
-        bits |= cell.look.textStyle ? kCellTextStyle : 0;
-        bits |= cell.look.textHeight ? kCellTextHeight : 0;
-        for (int edge = 0; edge < 4; ++edge) {
-            bits |= edges[edge].color ? kCellEdgeColor << edge : 0;
-            bits |= edges[edge].lineWeight ? kCellEdgeWeight << edge : 0;
-            bits |= edges[edge].visible ? kCellEdgeVisible << edge : 0;
-            edgeBits |= edges[edge].isSet() ? 1 << edge : 0;
-        }
+        const CellFlags flags = flagsOf(cell.look, edges);
+        const int bits = flags.overrides ^ cell.otherOverrides;
 
         m_out.integer(171, cell.type);
-        m_out.integer(172, (cell.flags & ~0xf) | edgeBits);
+        m_out.integer(172, flags.edges ^ cell.otherFlags);
         m_out.integer(173, covered);
         m_out.integer(174, cell.autoFit);
         m_out.integer(175, covered ? 1 : maxColumn - minColumn + 1);
