@@ -89,7 +89,17 @@ public:
     /// For readers: lists an entity whose owner this is.
     void list(KcDbObjectId entity) const { m_entities->push_back(entity); }
 
+    /// The box of what the block draws, as computed at a count of the drawing's changes.
+    struct ExtentsCache {
+        bool filled = false;
+        uint64_t changeCount = 0;
+        KcGeExtents3d box;
+        size_t entities = 0; ///< that the block draws, nested ones counted; exact up to a few hundred
+    };
+    ExtentsCache& extentsCache() const { return m_extentsCache; }
+
 private:
     Data m_data;
+    mutable ExtentsCache m_extentsCache;
     std::shared_ptr<std::vector<KcDbObjectId>> m_entities = std::make_shared<std::vector<KcDbObjectId>>();
 };

@@ -3,6 +3,12 @@
 
 #include "db/entity.h"
 #include "db/entity_macros.h"
+#include "db/mtext_format.h"
+#include "gi/text_metrics.h"
+
+/// What a text style says about its font; null stands for the style "Standard" of the drawing. Without a drawing, the
+/// font of a drawing that names none.
+KcGi::TextStyle kcdbFontOfStyle(KcDbObjectId style, const KcDbDatabase* database);
 
 struct KcDbTextData {
     KcGePoint3d position; ///< object coordinates; the left end of the base line
@@ -26,6 +32,19 @@ public:
     using Data = KcDbTextData;
     KCDB_ENTITY_DATA
 
+    /// A part of a text between two changes of the lines that run under, over and through it.
+    struct Run {
+        QString text;
+        bool underlined = false, overlined = false, struck = false;
+    };
+    /// Control codes resolved: %%u, %%o and %%k as the runs' marks, all others as characters.
+    static std::vector<Run> runsOf(const QString& text);
+    /// The characters alone.
+    static QString resolved(const QString& text);
+    /// The character that "\\U+XXXX" or "\\M+nXXXX" at the start of a text stands for; `length` becomes the length of the
+    /// escape, 0 when there is none.
+    static QString escapedCharacter(QStringView text, qsizetype& length);
+
     const QString& textString() const { return m_data.text; }
     /// Control codes (%%d, %%c, %%p, %%u, %%o, %%nnn) resolved.
     QString plainText() const;
@@ -39,10 +58,14 @@ public:
     void adjustAlignment();
     /// Advance width of the text in drawing units.
     double textWidth() const;
+    /// From the coordinates in which the text is set (its start at the origin, x along the base line, upright) to world
+    /// coordinates: slant, generation flags, rotation and plane of the text.
+    KcGeMatrix3d textTransform() const;
 
 protected:
-    /// Corners of the text in the plane of the text, before it is turned about its position.
-    KcGeExtents3d localBox() const;
+    /// The box of the text as it is set, before `textTransform`; of the given text instead of its own where given.
+    KcGeExtents3d localBox(const QString* other = nullptr) const;
+    KcGeExtents3d boxUnder(const KcGeMatrix3d& matrix, const QString* other = nullptr) const;
 };
 
 /// A text of a block reference, filled in from its definition.
@@ -57,6 +80,8 @@ public:
     const AttributeData& attribute() const { return m_attribute; }
     AttributeData& attribute() { return m_attribute; }
     bool isInvisible() const { return m_attribute.flags & 1; }
+    /// Nothing when the attribute is invisible.
+    KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const override;
 
 private:
     AttributeData m_attribute;
@@ -75,6 +100,10 @@ public:
     AttributeData& attribute() { return m_attribute; }
     bool isInvisible() const { return m_attribute.flags & 1; }
     bool isConstant() const { return m_attribute.flags & 2; }
+    /// A definition shows its tag.
+    KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const override;
+    /// What a reference draws of a constant attribute: its value. Empty for any other, and for invisible ones.
+    KcGeExtents3d extentsInReference(const KcGeMatrix3d& matrix) const;
 
 private:
     AttributeData m_attribute;
@@ -116,4 +145,9 @@ public:
     double actualHeight() const;
     /// Angle of the X axis of the text in its plane, radians.
     double rotation() const;
+    /// The runs of the contents in the looks of the text's style.
+    std::vector<KcDbMTextRun> runs() const;
+    /// The text set into lines; `textTransform` leads from its coordinates to world coordinates.
+    KcDbMTextLayout layout() const;
+    KcGeMatrix3d textTransform() const;
 };

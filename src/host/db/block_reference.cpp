@@ -1,0 +1,287 @@
+// Block references: placement, boxes of definitions, attributes, transforms.
+
+#include "db/block_reference.h"
+
+#include "db/database.h"
+#include "db/plane.h"
+#include "db/polyline.h"
+
+KCRX_DEFINE(KcDbBlockReference, KcDbEntity, "AcDbBlockReference")
+KCRX_DEFINE(KcDbBlockBegin, KcDbEntity, "AcDbBlockBegin")
+KCRX_DEFINE(KcDbBlockEnd, KcDbEntity, "AcDbBlockEnd")
+
+KcDbBlockReference::Data::Data(const Data& other)
+{
+    *this = other;
+}
+
+KcDbBlockReference::Data& KcDbBlockReference::Data::operator=(const Data& other)
+{
+    block = other.block;
+    position = other.position;
+    scale = other.scale;
+    rotation = other.rotation;
+    normal = other.normal;
+    array = other.array ? std::make_unique<Array>(*other.array) : nullptr;
+    return *this;
+}
+
+KcDbBlockReference::Array& KcDbBlockReference::array()
+{
+    if (!m_data.array)
+        m_data.array = std::make_unique<Array>();
+    return *m_data.array;
+}
+
+namespace {
+
+/// From the coordinates of the reference (unscaled, unturned) to the world: plane, place and rotation.
+KcGeMatrix3d placement(const KcDbBlockReference::Data& data)
+{
+    const double c = std::cos(data.rotation), s = std::sin(data.rotation);
+    return KcGeMatrix3d::planeToWorld(data.normal)
+        * KcGeMatrix3d::fromAxes(data.position, { c, s, 0 }, { -s, c, 0 }, KcGeVector3d::kZAxis);
+}
+
+KcGeVector3d originOf(KcDbObjectId block)
+{
+    KcDbRead<KcDbBlockTableRecord> record(block);
+    return record ? record->origin().asVector() : KcGeVector3d();
+}
+
+/// True when the transform leads every axis to an axis, so that the image of a box is the box of the image.
+bool keepsBoxes(const KcGeMatrix3d& m)
+{
+    for (int column = 0; column < 3; ++column) {
+        const KcGeVector3d a = m.axis(column);
+        const double slack = KcGeContext::gTol.equalVector * a.length();
+        const int used = (std::abs(a.x) > slack) + (std::abs(a.y) > slack) + (std::abs(a.z) > slack);
+        if (used > 1)
+            return false;
+    }
+    return true;
+}
+
+// Boxes of definitions
+// -------------------------------------------------------------------------------------------------
+
+/// Blocks whose boxes are being computed: one that contains itself adds nothing to its own box. Deeper
+/// nesting than the limit is damage and counts as empty.
+struct Walk {
+    static constexpr size_t kDeepest = 64;
+    std::vector<KcDbObjectId> open;
+    /// How far up the stack the outermost block stands that an inner one ran into; results below it are
+    /// incomplete.
+    size_t cutAt = kNoCut;
+    static constexpr size_t kNoCut = ~size_t(0);
+    /// Blocks that contain each other in many ways are not followed along every one of them.
+    size_t visitsAfterCut = 0;
+    static constexpr size_t kMostVisits = 20000;
+};
+
+Walk& walk()
+{
+    static thread_local Walk instance;
+    return instance;
+}
+
+/// Turned references are measured entity by entity as long as their definition (nested ones counted) has at
+/// most this many; the image of the definition's box, which may be larger than need be, serves for others.
+constexpr size_t kMostMeasured = 500;
+
+/// Entities that a definition draws, nested ones counted; stops at the limit.
+size_t countEntities(KcDbObjectId block, size_t limit, size_t depth = 0)
+{
+    KcDbRead<KcDbBlockTableRecord> record(block);
+    size_t count = 0;
+    if (!record || depth > Walk::kDeepest)
+        return count;
+    for (const KcDbObjectId id : *record) {
+        ++count;
+        if (KcDbRead<KcDbBlockReference> nested(id); nested)
+            count += countEntities(nested->blockTableRecord(), limit - std::min(limit, count), depth + 1);
+        if (count > limit)
+            break;
+    }
+    return count;
+}
+
+bool isSmall(KcDbObjectId block)
+{
+    KcDbRead<KcDbBlockTableRecord> record(block);
+    if (!record)
+        return false;
+    const KcDbBlockTableRecord::ExtentsCache& cache = record->extentsCache();
+    if (cache.filled && cache.changeCount == block.database()->changeCount())
+        return cache.entities <= kMostMeasured;
+    return countEntities(block, kMostMeasured) <= kMostMeasured;
+}
+
+/// The box of what the definition draws under a transform.
+KcGeExtents3d measured(KcDbObjectId block, const KcGeMatrix3d& matrix)
+{
+    Walk& w = walk();
+    KcGeExtents3d box;
+    KcDbRead<KcDbBlockTableRecord> record(block);
+    if (!record)
+        return box;
+    if (const auto known = std::find(w.open.begin(), w.open.end(), block); known != w.open.end()) {
+        w.cutAt = std::min(w.cutAt, size_t(known - w.open.begin()));
+        return box;
+    }
+    if (w.open.size() >= Walk::kDeepest || (w.cutAt != Walk::kNoCut && ++w.visitsAfterCut > Walk::kMostVisits)) {
+        w.cutAt = 0;
+        return box;
+    }
+    w.open.push_back(block);
+    for (const KcDbObjectId id : *record) {
+        KcDbRead<KcDbEntity> entity(id);
+        if (!entity || !entity->isVisible())
+            continue;
+        if (entity->isKindOf(KcDbAttributeDefinition::desc()))
+            box.addExtents(static_cast<const KcDbAttributeDefinition&>(*entity).extentsInReference(matrix));
+        else
+            box.addExtents(entity->extentsUnder(matrix));
+    }
+    w.open.pop_back();
+    if (w.open.empty()) {
+        w.cutAt = Walk::kNoCut;
+        w.visitsAfterCut = 0;
+    }
+    return box;
+}
+
+} // namespace
+
+KcGeExtents3d KcDbBlockReference::definitionExtents(KcDbObjectId block)
+{
+    KcDbRead<KcDbBlockTableRecord> record(block);
+    if (!record)
+        return {};
+    const uint64_t now = block.database()->changeCount();
+    KcDbBlockTableRecord::ExtentsCache& cache = record->extentsCache();
+    if (cache.filled && cache.changeCount == now)
+        return cache.box;
+    Walk& w = walk();
+    const size_t depth = w.open.size();
+    const KcGeExtents3d box = measured(block, KcGeMatrix3d());
+    // A box that lacks an outer block, which is still being computed, holds for that block's box only.
+    if (w.cutAt >= depth) {
+        cache = { true, now, box };
+        w.cutAt = Walk::kNoCut;
+    }
+    return box;
+}
+
+KcGeMatrix3d KcDbBlockReference::blockTransform() const
+{
+    return placement(m_data) * KcGeMatrix3d::scaling(m_data.scale)
+        * KcGeMatrix3d::translation(-originOf(m_data.block));
+}
+
+KcGeExtents3d KcDbBlockReference::extentsUnder(const KcGeMatrix3d& matrix) const
+{
+    const KcGeMatrix3d toWorld = matrix * blockTransform();
+    const KcGeExtents3d definition = definitionExtents(m_data.block);
+    KcGeExtents3d box;
+    if (definition.isEmpty())
+        return box;
+    KcGeExtents3d cell = toWorld.transformed(definition);
+    if (!keepsBoxes(toWorld) && isSmall(m_data.block))
+        cell = measured(m_data.block, toWorld);
+    if (cell.isEmpty() || !std::isfinite((cell.max - cell.min).length()))
+        return box;
+    box.addExtents(cell);
+    if (m_data.array) {
+        const Array& array = *m_data.array;
+        const KcGeMatrix3d place = matrix * placement(m_data);
+        const double columns = std::max(1, array.columns) - 1, rows = std::max(1, array.rows) - 1;
+        for (const double x : { 0.0, columns * array.columnSpacing })
+            for (const double y : { 0.0, rows * array.rowSpacing }) {
+                const KcGeVector3d shift = place * KcGeVector3d{ x, y, 0.0 };
+                kcdbAddPoint(box, cell.min + shift);
+                kcdbAddPoint(box, cell.max + shift);
+            }
+    }
+    return box;
+}
+
+KcGeExtents3d KcDbBlockReference::extentsWithoutAttributes() const
+{
+    return KcDbBlockReference::extentsUnder(KcGeMatrix3d());
+}
+
+// Attributes
+// -----------------------------------------------------------------------------------------------------------
+
+const std::vector<KcDbObjectId>& KcDbBlockReference::attributes() const
+{
+    static const std::vector<KcDbObjectId> none;
+    return m_data.array ? m_data.array->attributes : none;
+}
+
+std::optional<QString> KcDbBlockReference::attributeValue(const QString& tag) const
+{
+    for (const KcDbObjectId id : attributes())
+        if (KcDbRead<KcDbAttribute> attribute(id);
+            attribute && attribute->attribute().tag.compare(tag, Qt::CaseInsensitive) == 0)
+            return attribute->textString();
+    return std::nullopt;
+}
+
+KcDbObjectId KcDbBlockReference::appendAttribute(std::unique_ptr<KcDbAttribute> attribute)
+{
+    KcDbDatabase* db = database();
+    if (!db || !attribute)
+        return {};
+    Array& list = array();
+    if (list.sequenceEnd.isNull())
+        list.sequenceEnd = db->addObject(std::make_unique<KcDbSequenceEnd>(), objectId());
+    attribute->setInPaperSpace(isInPaperSpace());
+    const KcDbObjectId id = db->addObject(std::move(attribute), objectId());
+    list.attributes.push_back(id);
+    return id;
+}
+
+std::vector<KcDbObjectId> KcDbBlockReference::subObjects() const
+{
+    if (!m_data.array)
+        return {};
+    std::vector<KcDbObjectId> result = m_data.array->attributes;
+    if (!m_data.array->sequenceEnd.isNull())
+        result.push_back(m_data.array->sequenceEnd);
+    return result;
+}
+
+// Transforms
+// -----------------------------------------------------------------------------------------------------------
+
+Kcad::ErrorStatus KcDbBlockReference::transformBy(const KcGeMatrix3d& matrix)
+{
+    const auto plane = KcDbPlaneTransform::of(matrix, m_data.normal);
+    if (!plane)
+        return Kcad::eInvalidInput;
+    const KcGeMatrix3d image = matrix * placement(m_data);
+    const KcGeVector3d x = image.axis(0), y = image.axis(1), z = image.axis(2);
+    const double lx = x.length(), ly = y.length(), lz = z.length();
+    const double slack = KcGeContext::gTol.equalVector;
+    // Scale factors stand along the axes of the definition; they cannot say that these became oblique.
+    if (std::abs(x.dotProduct(y)) > slack * lx * ly || std::abs(x.dotProduct(z)) > slack * lx * lz
+        || std::abs(y.dotProduct(z)) > slack * ly * lz)
+        return Kcad::eCannotScaleNonUniformly;
+    // A mirrored reference has a negative X scale, turned so that its Y axis is right.
+    const double side = plane->mirrors() ? -1.0 : 1.0;
+    const KcGeVector3d inPlane = KcGeMatrix3d::worldToPlane(plane->normal) * (x * side);
+    m_data.rotation = KcGeVector2d{ inPlane.x, inPlane.y }.angle();
+    m_data.position = plane->point(m_data.position);
+    m_data.scale = { m_data.scale.x * lx * side, m_data.scale.y * ly, m_data.scale.z * lz };
+    m_data.normal = plane->normal;
+    if (m_data.array) {
+        m_data.array->columnSpacing *= lx * side;
+        m_data.array->rowSpacing *= ly;
+    }
+    for (const KcDbObjectId id : attributes())
+        if (KcDbWrite<KcDbAttribute> attribute(id); attribute)
+            attribute->transformBy(matrix);
+    return Kcad::eOk;
+}

@@ -1,0 +1,138 @@
+// Multiline texts: contents, size, box, transform.
+
+#include "db/database.h"
+#include "db/mtext_format.h"
+#include "db/plane.h"
+#include "db/tables.h"
+#include "db/text.h"
+
+KCRX_DEFINE(KcDbMText, KcDbEntity, "AcDbMText")
+
+void KcDbMText::setContents(const QString& contents)
+{
+    m_data.contents = contents;
+    // What another program computed was about the contents before.
+    m_data.actualWidth = m_data.actualHeight = 0.0;
+}
+
+std::vector<KcDbMTextRun> KcDbMText::runs() const
+{
+    KcDbMTextFormat base;
+    base.height = m_data.height;
+    base.font = kcdbFontOfStyle(m_data.style, database());
+    KcDbObjectId style = m_data.style;
+    if (!style.isResident() && database())
+        style = kcdbFindRecord(database()->textStyleTable(), QStringLiteral("Standard"));
+    if (KcDbRead<KcDbTextStyleTableRecord> record(style); record) {
+        if (record->data().widthFactor > 0.0)
+            base.widthFactor = record->data().widthFactor;
+        base.oblique = record->data().obliqueAngle;
+    }
+    return kcdbParseMText(m_data.contents, base);
+}
+
+KcDbMTextLayout KcDbMText::layout() const
+{
+    constexpr int kExactly = 2;
+    KcDbMTextFrame frame;
+    frame.width = m_data.width > 0.0 && std::isfinite(m_data.width) ? m_data.width : 0.0;
+    frame.height = m_data.height;
+    frame.attachment = m_data.attachment;
+    frame.spacingFactor = m_data.lineSpacingFactor > 0.0 ? m_data.lineSpacingFactor : 1.0;
+    frame.exactSpacing = m_data.lineSpacingStyle == kExactly;
+    return kcdbLayoutMText(runs(), frame);
+}
+
+QString KcDbMText::plainText() const
+{
+    return kcdbPlainText(runs());
+}
+
+QStringList KcDbMText::lines() const
+{
+    QStringList result;
+    for (const KcDbMTextLayout::Line& line : layout().lines)
+        result.append(QString(line.text).replace(QChar(QChar::Nbsp), u' '));
+    return result;
+}
+
+double KcDbMText::actualWidth() const
+{
+    return layout().width;
+}
+
+double KcDbMText::actualHeight() const
+{
+    return layout().height;
+}
+
+double KcDbMText::rotation() const
+{
+    if (!m_data.hasDirection)
+        return m_data.rotation;
+    const KcGeVector3d inPlane = KcGeMatrix3d::worldToPlane(m_data.normal) * m_data.direction;
+    return KcGeVector2d{ inPlane.x, inPlane.y }.angle();
+}
+
+KcGeMatrix3d KcDbMText::textTransform() const
+{
+    const KcGeMatrix3d plane = KcGeMatrix3d::planeToWorld(m_data.normal) * KcGeMatrix3d::rotation(rotation());
+    return KcGeMatrix3d::fromAxes(m_data.location, plane.axis(0), plane.axis(1), plane.axis(2));
+}
+
+KcGeExtents3d KcDbMText::extentsUnder(const KcGeMatrix3d& matrix) const
+{
+    const KcGeMatrix3d toWorld = matrix * textTransform();
+    const KcDbMTextLayout set = layout();
+    KcGeExtents3d local;
+    for (const KcDbMTextLayout::Piece& piece : set.pieces) {
+        const KcDbMTextFormat& f = piece.format;
+        const KcGi::TextExtent ink = KcGi::textExtent(f.font, piece.text, f.height, f.widthFactor);
+        if (!ink.hasInk)
+            continue;
+        kcdbAddPoint(local, { piece.x, piece.baseline + ink.bottom, 0.0 });
+        kcdbAddPoint(local, { piece.x + piece.width, piece.baseline + ink.top, 0.0 });
+    }
+    for (const KcDbMTextLayout::Rule& rule : set.rules) {
+        kcdbAddPoint(local, { rule.x1, rule.y1, 0.0 });
+        kcdbAddPoint(local, { rule.x2, rule.y2, 0.0 });
+    }
+    if (local.isEmpty())
+        return local;
+    if (m_data.fillMode != 0 && m_data.fillFactor > 1.0) {
+        const double margin = (m_data.fillFactor - 1.0) * m_data.height;
+        kcdbAddPoint(local, { set.left - margin, set.bottom - margin, 0.0 });
+        kcdbAddPoint(local, { set.right + margin, set.top + margin, 0.0 });
+    }
+    KcGeExtents3d box;
+    for (const double x : { local.min.x, local.max.x })
+        for (const double y : { local.min.y, local.max.y })
+            kcdbAddPoint(box, toWorld * KcGePoint3d{ x, y, 0.0 });
+    return box;
+}
+
+Kcad::ErrorStatus KcDbMText::transformBy(const KcGeMatrix3d& matrix)
+{
+    const KcGeMatrix3d image = matrix * textTransform();
+    const KcGeVector3d along = image.axis(0), up = image.axis(1);
+    const double width = along.length();
+    const KcGeVector3d normal = along.crossProduct(up); // a mirrored text is seen from behind
+    const double area = normal.length();
+    if (!(width > 0.0) || !(area > 0.0) || !std::isfinite(area))
+        return Kcad::eInvalidInput;
+    const double heightFactor = area / width;
+    m_data.location = matrix * m_data.location;
+    m_data.normal = normal / area;
+    if (m_data.hasDirection) {
+        m_data.direction = along / width;
+    } else {
+        const KcGeVector3d inPlane = KcGeMatrix3d::worldToPlane(m_data.normal) * along;
+        m_data.rotation = KcGeVector2d{ inPlane.x, inPlane.y }.angle();
+    }
+    m_data.height *= heightFactor;
+    m_data.definedHeight *= heightFactor;
+    m_data.actualHeight *= heightFactor;
+    m_data.width *= width;
+    m_data.actualWidth *= width;
+    return Kcad::eOk;
+}
