@@ -62,7 +62,7 @@ std::optional<uint> hexadecimal(QStringView text)
 /// The character of two bytes in one of the five double-byte sets that drawings number.
 QString doubleByte(int set, uint code)
 {
-    static const char* const names[] = { "932", "950", "949", "1361", "936" };
+    static const char16_t* const names[] = { u"932", u"950", u"949", u"1361", u"936" };
     static std::map<int, std::optional<platform::CharacterSet>> sets;
     auto found = sets.find(set);
     if (found == sets.end())
