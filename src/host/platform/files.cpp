@@ -54,23 +54,44 @@ QString cannot(const char* what, const QString& path)
     return QStringLiteral("cannot %1 \"%2\": %3").arg(QString::fromLatin1(what), path, reason);
 }
 
-bool writeAll(int descriptor, const QByteArray& bytes)
+bool writeAll(int descriptor, std::string_view bytes)
 {
-    for (qsizetype done = 0; done < bytes.size();) {
-        const ssize_t written = ::write(descriptor, bytes.constData() + done, size_t(bytes.size() - done));
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0)
             return false;
-        done += written;
+        bytes.remove_prefix(size_t(written));
     }
     return true;
 }
 
-Status writeDirectly(const QString& path, const QByteArray& bytes)
+bool writeAll(int descriptor, const std::vector<std::string_view>& pieces)
+{
+    // Small pieces are gathered, so that a file of many does not take a call to the system for each.
+    constexpr size_t kGather = size_t(1) << 18;
+    std::string gathered;
+    for (const std::string_view piece : pieces) {
+        if (gathered.size() + piece.size() > kGather) {
+            if (!writeAll(descriptor, gathered))
+                return false;
+            gathered.clear();
+        }
+        if (piece.size() > kGather) {
+            if (!writeAll(descriptor, piece))
+                return false;
+        } else {
+            gathered += piece;
+        }
+    }
+    return writeAll(descriptor, gathered);
+}
+
+Status writeDirectly(const QString& path, const std::vector<std::string_view>& pieces)
 {
     Descriptor file(::open(QFile::encodeName(path).constData(), O_WRONLY | O_CLOEXEC));
-    if (!file.isOpen() || !writeAll(file.get(), bytes) || !file.close())
+    if (!file.isOpen() || !writeAll(file.get(), pieces) || !file.close())
         return { cannot("write", path) };
     return {};
 }
@@ -159,6 +180,11 @@ Result<QByteArray> readWholeFile(const QString& path)
 
 Status writeFileAtomically(const QString& path, const QByteArray& bytes)
 {
+    return writeFileAtomically(path, {std::string_view(bytes.constData(), size_t(bytes.size()))});
+}
+
+Status writeFileAtomically(const QString& path, const std::vector<std::string_view>& pieces)
+{
     QString target = path;
     if (const QFileInfo link(target); link.isSymLink())
         target = link.canonicalFilePath().isEmpty() ? link.symLinkTarget() : link.canonicalFilePath();
@@ -169,7 +195,7 @@ Status writeFileAtomically(const QString& path, const QByteArray& bytes)
     if (exists && S_ISDIR(old.st_mode))
         return { QStringLiteral("cannot write \"%1\": it is a folder").arg(target) };
     if (exists && !S_ISREG(old.st_mode))
-        return writeDirectly(target, bytes);
+        return writeDirectly(target, pieces);
     // Renaming over a write-protected file would succeed; its owner protected it for a reason.
     if (exists && ::access(targetName.constData(), W_OK) != 0)
         return { cannot("write", target) };
@@ -179,7 +205,7 @@ Status writeFileAtomically(const QString& path, const QByteArray& bytes)
     if (!file.isOpen())
         return { cannot("write", target) };
     const mode_t mode = exists ? old.st_mode & 07777 : modeOfNewFiles();
-    if (::fchmod(file.get(), mode) == 0 && writeAll(file.get(), bytes) && ::fsync(file.get()) == 0
+    if (::fchmod(file.get(), mode) == 0 && writeAll(file.get(), pieces) && ::fsync(file.get()) == 0
         && file.close() && ::rename(temporary.constData(), targetName.constData()) == 0)
         return {};
     const QString error = cannot("write", target);

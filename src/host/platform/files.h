@@ -6,6 +6,9 @@
 
 #include <QByteArray>
 
+#include <string_view>
+#include <vector>
+
 namespace platform {
 
 /// A path with "\" turned into "/" and doubled separators made single. Relative paths stay relative.
@@ -24,6 +27,8 @@ Result<QByteArray> readWholeFile(const QString& path);
 /// renamed. The permissions of the old file are kept; a symbolic link stays one and its target is replaced; a
 /// write-protected file is refused; a device or pipe is written to directly. Does not make folders.
 Status writeFileAtomically(const QString& path, const QByteArray& bytes);
+/// The same with the content in pieces.
+Status writeFileAtomically(const QString& path, const std::vector<std::string_view>& pieces);
 
 /// Copies a file, whole or not at all; both are found as by findPath(). With failIfExists an existing target
 /// is left alone and the result is false. Says through the diagnostics why it failed.
