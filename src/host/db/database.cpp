@@ -55,7 +55,7 @@ void KcDbDatabase::reserveHandles(KcDbHandle atLeast)
 KcDbObjectId KcDbDatabase::addObject(std::unique_ptr<KcDbObject> object, KcDbObjectId owner)
 {
     assert(object && !object->m_stub);
-    KcDbObjectStub& stub = newStub(m_nextHandle);
+    KcDbObjectStub& stub = m_loading ? newUnnumberedStub(0) : newStub(m_nextHandle);
     object->m_stub = &stub;
     object->m_owner = owner;
     object->m_place.changed = true;
@@ -70,23 +70,44 @@ KcDbObjectId KcDbDatabase::addObjectWithHandle(std::unique_ptr<KcDbObject> objec
 {
     assert(object && !object->m_stub);
     KcDbObjectStub* stub = handle ? slot(handle) : nullptr;
-    if (stub && stub->object) {
-        stub = &newStub(m_nextHandle);
-        addFinding({kFindingDuplicateHandle, true, handle,
-            QStringLiteral("Handle %1 is borne by two objects; the second is known as %2 while the drawing is open.")
-                .arg(QString::number(handle, 16).toUpper(), QString::number(stub->handle, 16).toUpper())});
-    } else if (!stub) {
-        stub = &newStub(handle ? handle : m_nextHandle);
-    }
+    if (handle == 0 || handle > kHighestHandle || (stub && stub->object))
+        stub = &newUnnumberedStub(handle);
+    else if (!stub)
+        stub = &newStub(handle);
     object->m_stub = stub;
     stub->object = object.release();
     return KcDbObjectId(stub);
 }
 
+KcDbObjectStub& KcDbDatabase::newUnnumberedStub(KcDbHandle wanted)
+{
+    KcDbObjectStub& stub = m_stubs.emplace_back();
+    stub.database = this;
+    m_unnumbered.emplace_back(&stub, wanted);
+    return stub;
+}
+
+void KcDbDatabase::beginLoading()
+{
+    m_loading = true;
+}
+
+void KcDbDatabase::endLoading()
+{
+    m_loading = false;
+    for (const auto& [stub, wanted] : m_unnumbered) {
+        giveHandle(KcDbObjectId(stub), 0);
+        if (wanted != 0)
+            addFinding({kFindingDuplicateHandle, true, stub->handle,
+                QStringLiteral("Handle %1 is borne by two objects; the second is known as %2 while the drawing is open.")
+                    .arg(QString::number(wanted, 16).toUpper(), QString::number(stub->handle, 16).toUpper())});
+    }
+    m_unnumbered.clear();
+}
+
 KcDbObjectId KcDbDatabase::idForHandle(KcDbHandle handle)
 {
-    // Handles use at most 63 bits, so that "one more than the highest" can be told.
-    if (handle == 0 || handle > (KcDbHandle(1) << 62))
+    if (handle == 0 || handle > kHighestHandle)
         return {};
     KcDbObjectStub* stub = slot(handle);
     return KcDbObjectId(stub ? stub : &newStub(handle));
@@ -160,6 +181,8 @@ void KcDbDatabase::giveHandle(KcDbObjectId id, KcDbHandle handle)
     KcDbObjectStub& stub = *id.stub();
     if (stub.handle != 0)
         return;
+    if (handle > kHighestHandle)
+        handle = 0;
     KcDbObjectStub* there = handle ? slot(handle) : nullptr;
     if (there && there->object)
         handle = 0; // taken by another object: known under a new one while the drawing is open
@@ -173,8 +196,9 @@ void KcDbDatabase::giveHandle(KcDbObjectId id, KcDbHandle handle)
 void KcDbDatabase::exchangeHandles(KcDbObjectStub& a, KcDbObjectStub& b)
 {
     std::swap(a.handle, b.handle);
-    slot(a.handle) = &a;
-    slot(b.handle) = &b;
+    for (KcDbObjectStub* stub : {&a, &b})
+        if (stub->handle != 0)
+            slot(stub->handle) = stub;
 }
 
 KcDbObjectId KcDbDatabase::modelSpace() const

@@ -67,8 +67,8 @@ public:
     /// Takes an object into the drawing under a new handle. Owners' own operations (append to a block, add to a
     /// dictionary or table) call it; `owner` is recorded as the owner.
     KcDbObjectId addObject(std::unique_ptr<KcDbObject> object, KcDbObjectId owner);
-    /// The same under a handle read from a file. When another object bears the handle already, a new one is given
-    /// and the finding recorded.
+    /// The same under a handle read from a file. When it is 0, or another object bears it already, the object gets one
+    /// of its own when loading ends.
     KcDbObjectId addObjectWithHandle(std::unique_ptr<KcDbObject> object, KcDbHandle handle);
     /// The id for a handle; an id without object when nothing bears the handle yet. Null for handle 0.
     KcDbObjectId idForHandle(KcDbHandle handle);
@@ -132,6 +132,10 @@ public:
     /// Grows with every change; what is computed from the drawing can be kept until it does.
     uint64_t changeCount() const { return m_changeCount; }
 
+    /// For readers: between these, objects without a handle of their own stay without; at the end they get handles above
+    /// the highest one met.
+    void beginLoading();
+    void endLoading();
     /// For readers: gives a table its handle in the file (0: the next free one).
     void giveHandle(KcDbObjectId id, KcDbHandle handle);
     /// For readers: lets two objects bear each other's handles.
@@ -139,6 +143,8 @@ public:
     /// For readers, after the last object: makes what every drawing needs and this one lacks (layer "0", model space,
     /// …), marked as implicit.
     void completeFrame();
+    /// For readers: marks an object as made only because the drawing implies it; it is written once it is changed.
+    static void markImplicit(KcDbObjectId id);
     void setCurrentSpace(KcDbObjectId block) { m_currentSpace = block; }
 
     KcDbDrawingFile* file() const { return m_file.get(); }
@@ -150,9 +156,9 @@ private:
     friend class KcDbUndo;
 
     KcDbObjectStub& newStub(KcDbHandle handle);
+    KcDbObjectStub& newUnnumberedStub(KcDbHandle wanted);
     KcDbObjectStub*& slot(KcDbHandle handle);
     void makeFrame();
-    void markImplicit(KcDbObjectId id);
     KcDbObjectId currentRecord(KcDbObjectId table, const char* variable, const char* otherwise) const;
     void makeNewDrawing();
     void notifyCreated(KcDbObjectStub& stub);
@@ -169,6 +175,10 @@ private:
 
     std::deque<KcDbObjectStub> m_stubs;
     KcDbHandle m_nextHandle = 1;
+    // "One more than the highest" must be sayable.
+    static constexpr KcDbHandle kHighestHandle = KcDbHandle(1) << 62;
+    bool m_loading = false;
+    std::vector<std::pair<KcDbObjectStub*, KcDbHandle>> m_unnumbered; ///< with the handles that were taken
     KcDbObjectId m_layerTable, m_linetypeTable, m_textStyleTable, m_dimStyleTable, m_regAppTable, m_ucsTable, m_viewTable,
         m_viewportTable, m_blockTable, m_namedObjects, m_header;
     KcDbUndo m_undo {*this};

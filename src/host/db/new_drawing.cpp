@@ -41,6 +41,11 @@ void KcDbDatabase::makeNewDrawing()
 
 void KcDbDatabase::completeFrame()
 {
+    // Entering what is implied into a dictionary that was read does not change the drawing.
+    std::vector<std::pair<KcDbObjectStub*, bool>> changedBefore;
+    for (KcDbObjectStub& stub : m_stubs)
+        if (stub.object && stub.object->isA() == KcDbDictionary::desc())
+            changedBefore.emplace_back(&stub, stub.object->sourcePlace().changed);
     const auto missing = [](KcDbObjectId table, const char* name) {
         return kcdbFindRecord(table, QLatin1String(name)).isNull();
     };
@@ -100,6 +105,14 @@ void KcDbDatabase::completeFrame()
         record->data().layout = layouts->setAt(QLatin1String(space.layout), std::move(layout));
         markImplicit(record->data().layout);
     }
+    for (const auto& [stub, changed] : changedBefore)
+        stub->object->m_place.changed = changed;
+    for (KcDbObjectId id : {m_namedObjects, KcDbDictionary::subDictionary(m_namedObjects, QStringLiteral("ACAD_LAYOUT"))})
+        if (id.stub()->flags & KcDbObjectStub::kImplicit)
+            markImplicit(id);
+    for (KcDbObjectId id : {modelSpace(), paperSpace()})
+        if (id.stub()->flags & KcDbObjectStub::kImplicit)
+            markImplicit(id);
 }
 
 void KcDbDatabase::markImplicit(KcDbObjectId id)

@@ -69,7 +69,7 @@ KcDbObjectId ReadContext::named(NameOf table, const Group& group)
             auto record = makeRecord(table);
             record->initName(name);
             known = open->add(std::move(record));
-            known.stub()->flags |= KcDbObjectStub::kImplicit;
+            KcDbDatabase::markImplicit(known);
             // In R12 files blocks are used before they are defined; what stays undefined is reported at the end.
             if (version != KcDbVersion::R12)
                 finding(kFindingUndefinedName, 0,

@@ -49,6 +49,7 @@ public:
         m_database.setVersion(m_file->version);
         m_file->order.reserve(m_file->size / 300 + 64);
 
+        m_database.beginLoading();
         Group group;
         bool ended = false;
         while (!ended && m_cursor.next(group)) {
@@ -70,6 +71,7 @@ public:
             m_database.addFinding({kFindingUndecodableText, false, 0,
                 QStringLiteral("%1 bytes of text mean nothing in the character set of the drawing; they are kept.")
                     .arg(m_file->strings->undecodable())});
+        m_database.endLoading();
         reportUndefinedBlocks();
         m_database.completeFrame();
         KcDbModuleObject::reviveAll(m_database);
@@ -282,12 +284,12 @@ private:
                 return;
             }
             if (group.is(0, "TABLE"))
-                readTable(group);
+                readTable();
         }
         truncated("the tables");
     }
 
-    void readTable(const Group& mark)
+    void readTable()
     {
         // The head: the table's name, handle, counts. It stays as it is.
         std::string name;
@@ -301,7 +303,8 @@ private:
         }
         const KcDbObjectId table = m_database.tableNamed(name.c_str());
         if (!table.isNull() && table.handle() == 0) {
-            m_database.giveHandle(table, handle);
+            if (handle != 0)
+                m_database.giveHandle(table, handle);
             table.stub()->flags &= ~uint32_t(KcDbObjectStub::kImplicit);
             table.stub()->flags |= KcDbObjectStub::kLoaded;
         }
@@ -325,7 +328,6 @@ private:
         }
         if (!table.isNull())
             m_file->tableEnds.emplace(table.stub(), m_file->offsetOf(group.begin));
-        (void)mark;
     }
 
     void takeTableRecord(const Group& mark, KcDbObjectId table, const Codec* codec)
@@ -350,7 +352,6 @@ private:
         std::unique_ptr<KcDbObject> object = from.object->copy();
         const KcDbSourcePlace place = from.object->sourcePlace();
         const KcDbObjectId owner = from.object->ownerId();
-        const KcDbHandle handle = from.handle;
         m_database.exchangeHandles(*implicit.stub(), from);
         m_database.replaceObject(implicit, std::move(object));
         KcDbObjectStub& to = *implicit.stub();
@@ -359,7 +360,6 @@ private:
         to.flags = KcDbObjectStub::kLoaded;
         from.flags = KcDbObjectStub::kErased;
         std::replace(m_file->order.begin(), m_file->order.end(), &from, &to);
-        (void)handle;
     }
 
     void readBlocks()
@@ -430,31 +430,19 @@ private:
                 id = m_database.addObject(std::move(record), table->objectId());
             }
         }
-        id.stub()->flags |= KcDbObjectStub::kImplicit; // R12: the record itself is not in the file
-        resetChanged(id);
+        if (!(id.stub()->flags & KcDbObjectStub::kLoaded))
+            KcDbDatabase::markImplicit(id); // R12: the record itself is not in the file
         return id;
-    }
-
-    static void resetChanged(KcDbObjectId id)
-    {
-        KcDbSourcePlace place = id.stub()->object->sourcePlace();
-        place.changed = false;
-        id.stub()->object->setSourcePlace(place);
     }
 
     void readEntities()
     {
-        const auto space = [this](const char* name) {
-            const KcDbObjectId id = kcdbFindRecord(m_database.blockTable(), QLatin1String(name));
-            return id;
-        };
         KcDbObjectId model = m_database.modelSpace(), paper = m_database.paperSpace();
         if (model.isNull() || paper.isNull()) {
             m_database.completeFrame();
             model = m_database.modelSpace();
             paper = m_database.paperSpace();
         }
-        (void)space;
         Group group;
         m_parent = {};
         while (m_cursor.next(group)) {
