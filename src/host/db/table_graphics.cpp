@@ -224,8 +224,7 @@ void KcDbTable::drawCell(
         }
         const double slackX = std::max(0.0, innerWidth - content.width() * scale) / 2.0;
         const double slackY = std::max(0.0, innerHeight - content.height() * scale) / 2.0;
-        const KcGePoint3d target
-            = held.autoFit ? centre : centre + KcGeVector3d{ across * slackX, along * slackY, 0.0 };
+        const KcGePoint3d target = centre + KcGeVector3d{ across * slackX, along * slackY, 0.0 };
         const KcGeVector3d fromOrigin
             = KcGeMatrix3d::rotation(held.rotation) * (definition.center() - record->origin());
         auto reference = std::make_unique<KcDbBlockReference>(
@@ -335,7 +334,7 @@ void KcDbTable::drawGrid(
                 return between({ line - 1, column }, farEdge, { line, column }, nearEdge);
             },
             [&](int column) {
-                return KcGePoint3d { lines.x[column], lines.y[line], 0.0 };
+                return KcGePoint3d{ lines.x[column], lines.y[line], 0.0 };
             });
     for (int line = 0; line <= columns; ++line)
         run(
@@ -344,6 +343,6 @@ void KcDbTable::drawGrid(
                 return between({ row, line - 1 }, KcDbTableCell::kRight, { row, line }, KcDbTableCell::kLeft);
             },
             [&](int row) {
-                return KcGePoint3d { lines.x[line], lines.y[row], 0.0 };
+                return KcGePoint3d{ lines.x[line], lines.y[row], 0.0 };
             });
 }
