@@ -401,6 +401,35 @@ TEST(Transforms, BlockReferences)
     expectBox(array.geomExtents(), boxOf({ { -3 - 7, -1, 0 }, { 3, 5 + 20, 0 } }), "array");
 }
 
+TEST(Transforms, AttributesGoWithTheirReference)
+{
+    KcDbDatabase db;
+    const KcDbObjectId id = KcDbRead<KcDbBlockTableRecord>(db.modelSpace())
+                                ->appendEntity(std::make_unique<KcDbBlockReference>());
+    KcDbWrite<KcDbBlockReference> reference(id);
+    const auto attribute = [](const char* tag, int flags) {
+        auto made = std::make_unique<KcDbAttribute>();
+        made->data().text = QStringLiteral("H");
+        made->data().height = 10;
+        made->data().position = { 100, 0, 0 };
+        made->attribute().tag = QString::fromLatin1(tag);
+        made->attribute().flags = flags;
+        return made;
+    };
+    reference->appendAttribute(attribute("NAME", 0));
+    auto hidden = attribute("SIZE", 1);
+    hidden->data().position.y = 999;
+    reference->appendAttribute(std::move(hidden));
+    EXPECT_EQ(reference->attributeValue(QStringLiteral("name")), QStringLiteral("H"));
+    EXPECT_FALSE(reference->attributeValue(QStringLiteral("AGE")));
+    EXPECT_EQ(reference->subObjects().size(), 3u); // and the end mark
+    EXPECT_TRUE(reference->extentsWithoutAttributes().isEmpty());
+    ASSERT_EQ(reference->transformBy(KcGeMatrix3d::translation({ 5, 7, 0 })), Kcad::eOk);
+    const KcGeExtents3d box = reference->geomExtents();
+    EXPECT_NEAR(box.min.x, 105, 1e-9);
+    EXPECT_NEAR(box.max.y, 17, 0.1); // the invisible one is not counted
+}
+
 TEST(Transforms, BlocksThatContainEachOtherEnd)
 {
     KcDbDatabase db;

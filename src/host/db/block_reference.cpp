@@ -129,7 +129,8 @@ KcGeExtents3d measured(KcDbObjectId block, const KcGeMatrix3d& matrix)
         w.cutAt = std::min(w.cutAt, size_t(known - w.open.begin()));
         return box;
     }
-    if (w.open.size() >= Walk::kDeepest || (w.cutAt != Walk::kNoCut && ++w.visitsAfterCut > Walk::kMostVisits)) {
+    if (w.open.size() >= Walk::kDeepest
+        || (w.cutAt != Walk::kNoCut && ++w.visitsAfterCut > Walk::kMostVisits)) {
         w.cutAt = 0;
         return box;
     }
@@ -181,6 +182,15 @@ KcGeMatrix3d KcDbBlockReference::blockTransform() const
 
 KcGeExtents3d KcDbBlockReference::extentsUnder(const KcGeMatrix3d& matrix) const
 {
+    KcGeExtents3d box = definitionUnder(matrix);
+    for (const KcDbObjectId id : attributes())
+        if (KcDbRead<KcDbAttribute> attribute(id); attribute && attribute->isVisible())
+            box.addExtents(attribute->extentsUnder(matrix));
+    return box;
+}
+
+KcGeExtents3d KcDbBlockReference::definitionUnder(const KcGeMatrix3d& matrix) const
+{
     const KcGeMatrix3d toWorld = matrix * blockTransform();
     const KcGeExtents3d definition = definitionExtents(m_data.block);
     KcGeExtents3d box;
@@ -208,7 +218,7 @@ KcGeExtents3d KcDbBlockReference::extentsUnder(const KcGeMatrix3d& matrix) const
 
 KcGeExtents3d KcDbBlockReference::extentsWithoutAttributes() const
 {
-    return KcDbBlockReference::extentsUnder(KcGeMatrix3d());
+    return definitionUnder(KcGeMatrix3d());
 }
 
 // Attributes

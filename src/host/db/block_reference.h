@@ -58,6 +58,8 @@ public:
     KcGeExtents3d extentsWithoutAttributes() const;
 
 private:
+    /// The box of what the reference draws of its definition under a transform, every cell of an array counted.
+    KcGeExtents3d definitionUnder(const KcGeMatrix3d& matrix) const;
     Array& array();
 };
 
