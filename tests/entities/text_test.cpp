@@ -263,6 +263,17 @@ TEST(MText, SizeAndPlace)
     }
 }
 
+TEST(MText, DamagedHeightsDrawNothing)
+{
+    for (const double height : { 0.0, -1.0, std::numeric_limits<double>::quiet_NaN() }) {
+        KcDbMText text = mtext(QStringLiteral("a^Ib"));
+        text.data().height = height;
+        EXPECT_EQ(text.actualWidth(), 0.0);
+        EXPECT_TRUE(text.geomExtents().isEmpty());
+        EXPECT_EQ(text.plainText(), QStringLiteral("a\tb"));
+    }
+}
+
 TEST(MText, TransformsKeepThePlace)
 {
     for (const bool hasDirection : { false, true })

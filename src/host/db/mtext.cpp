@@ -34,6 +34,8 @@ std::vector<KcDbMTextRun> KcDbMText::runs() const
 KcDbMTextLayout KcDbMText::layout() const
 {
     constexpr int kExactly = 2;
+    if (!(m_data.height > 0.0) || !std::isfinite(m_data.height))
+        return {}; // damaged: nothing can be set
     KcDbMTextFrame frame;
     frame.width = m_data.width > 0.0 && std::isfinite(m_data.width) ? m_data.width : 0.0;
     frame.height = m_data.height;
