@@ -1,0 +1,101 @@
+// Copying entities and what they own.
+
+#include "ed/copy_entity.h"
+
+#include "db/block_reference.h"
+#include "db/block_table_record.h"
+#include "db/database.h"
+#include "db/hatch.h"
+#include "db/leader.h"
+#include "db/polyline.h"
+#include "db/raw_entity.h"
+#include "db/table.h"
+
+namespace {
+
+template <class T> T* as(KcDbObject& object)
+{
+    return object.isKindOf(T::desc()) ? static_cast<T*>(&object) : nullptr;
+}
+
+// A copy that nothing else refers to.
+std::unique_ptr<KcDbObject> detachedCopy(const KcDbObject& original)
+{
+    std::unique_ptr<KcDbObject> copy = original.copy();
+    copy->setExtensionDictionary({});
+    const std::vector<KcDbObjectId> reactors = copy->reactors();
+    for (const KcDbObjectId reactor : reactors)
+        copy->removePersistentReactor(reactor);
+    if (auto* hatch = as<KcDbHatch>(*copy)) {
+        hatch->data().associative = false;
+        for (KcDbHatch::Loop& loop : hatch->data().loops)
+            loop.sources.clear();
+    }
+    if (auto* leader = as<KcDbLeader>(*copy)) {
+        leader->data().annotation = {};
+        leader->data().annotationType = 3;
+    }
+    return copy;
+}
+
+void copyAttributes(KcDbObjectId to, const std::vector<KcDbObjectId>& attributes)
+{
+    KcDbWrite<KcDbBlockReference> reference(to);
+    for (const KcDbObjectId id : attributes)
+        if (const KcDbRead<KcDbAttribute> attribute(id); attribute)
+            reference->appendAttribute(std::unique_ptr<KcDbAttribute>(
+                static_cast<KcDbAttribute*>(detachedCopy(*attribute).release())));
+}
+
+void copyVertices(KcDbObjectId to, const std::vector<KcDbObjectId>& vertices)
+{
+    KcDbWrite<KcDb2dPolyline> polyline(to);
+    KcDbDatabase& database = *to.database();
+    for (const KcDbObjectId id : vertices)
+        if (const KcDbRead<KcDbVertex> vertex(id); vertex)
+            polyline->data().vertices.push_back(database.addObject(detachedCopy(*vertex), to));
+    auto end = std::make_unique<KcDbSequenceEnd>();
+    end->setLayer(polyline->layerId());
+    polyline->data().sequenceEnd = database.addObject(std::move(end), to);
+}
+
+} // namespace
+
+KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform)
+{
+    std::unique_ptr<KcDbEntity> copy;
+    std::vector<KcDbObjectId> attributes, vertices;
+    KcDbObjectId owner;
+    {
+        const KcDbRead<KcDbEntity> original(entity);
+        if (!original || original->isKindOf(KcDbRawEntity::desc()))
+            return {};
+        owner = original->ownerId();
+        copy.reset(static_cast<KcDbEntity*>(detachedCopy(*original).release()));
+    }
+    if (auto* reference = as<KcDbBlockReference>(*copy); reference && reference->data().array) {
+        attributes = std::exchange(reference->data().array->attributes, {});
+        reference->data().array->sequenceEnd = {};
+    }
+    if (auto* polyline = as<KcDb2dPolyline>(*copy)) {
+        vertices = std::exchange(polyline->data().vertices, {});
+        polyline->data().sequenceEnd = {};
+    }
+
+    const KcDbRead<KcDbBlockTableRecord> block(owner);
+    if (!block)
+        return {};
+    const KcDbObjectId id = block->appendEntity(std::move(copy));
+    if (!attributes.empty())
+        copyAttributes(id, attributes);
+    if (!vertices.empty())
+        copyVertices(id, vertices);
+    KcDbWrite<KcDbEntity> placed(id);
+    if (placed->transformBy(transform) != Kcad::eOk) {
+        placed->erase();
+        return {};
+    }
+    if (auto* table = as<KcDbTable>(*placed))
+        table->recomputeTableBlock();
+    return id;
+}

@@ -1,0 +1,29 @@
+// Keyword lists of prompts: "Dimension Area _ Dimension Area", "A S".
+#pragma once
+
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+class KcEdKeywordList {
+public:
+    KcEdKeywordList() = default;
+    /// Local keywords, then optionally an underscore and as many global ones, separated by blanks. A list
+    /// without an underscore gives local keywords only; they are their own global names.
+    KcEdKeywordList(const QString& list);
+
+    bool isEmpty() const { return m_words.empty(); }
+    /// The global name of the keyword that was typed: without regard to case, by its capitals or any longer
+    /// prefix. What begins with an underscore is matched against the global names. Nothing when no keyword is
+    /// meant.
+    std::optional<QString> match(const QString& typed) const;
+    /// Local keywords, for the user.
+    QStringList localNames() const;
+
+private:
+    struct Word {
+        QString local, global;
+    };
+    std::vector<Word> m_words;
+};

@@ -1,0 +1,45 @@
+// What of an entity can be picked: lines and filled outlines, seen along the Z axis, in world coordinates.
+#pragma once
+
+#include "db/entity.h"
+
+/// One run of lines. A filled piece is closed, and what lies inside it belongs to it.
+struct KcEdPickPiece {
+    std::vector<KcGePoint2d> points;
+    bool filled = false;
+};
+/// Filled pieces of one entity fill by the even-odd rule together.
+using KcEdPickPieces = std::vector<KcEdPickPiece>;
+
+/// Turns entities into pieces. Keeps the pieces of block definitions, so that many references cost little;
+/// use one for one selection and drop it when the drawing changes.
+class KcEdPickGeometry {
+public:
+    /// Curves are replaced by chords that leave them by no more than `tolerance`, in drawing units, as far as
+    /// a thousand chords reach.
+    explicit KcEdPickGeometry(double tolerance)
+        : m_tolerance(tolerance)
+    {
+    }
+
+    KcEdPickPieces pieces(const KcDbEntity& entity);
+    /// True for lines without ends, which have no box.
+    static bool isEndless(const KcDbEntity& entity);
+    /// False when the entity's layer is off or frozen, or the entity itself is hidden.
+    bool isVisible(const KcDbEntity& entity);
+    bool isOnLockedLayer(const KcDbEntity& entity);
+    bool isOnFrozenLayer(const KcDbEntity& entity);
+
+private:
+    struct Layer {
+        bool off = false, frozen = false, locked = false;
+    };
+    const Layer& layerOf(const KcDbEntity& entity);
+    const KcEdPickPieces& definition(KcDbObjectId block);
+
+    double m_tolerance;
+    std::unordered_map<const void*, Layer> m_layers;
+    const void* m_lastLayer = nullptr;
+    const Layer* m_lastState = nullptr;
+    std::unordered_map<const void*, KcEdPickPieces> m_definitions;
+};

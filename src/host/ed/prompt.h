@@ -1,0 +1,101 @@
+// What a prompt accepts, what answers it, and the one parser that turns a typed line into an answer or a
+// refusal.
+#pragma once
+
+#include "db/object_id.h"
+#include "ed/keywords.h"
+#include "ge/point.h"
+
+#include <functional>
+#include <variant>
+
+struct KcEdEscape { };
+struct KcEdEnter { };
+/// A keyword by its global name.
+struct KcEdKeyword {
+    QString name;
+};
+/// While a command tracks the cursor: it was moved here, user coordinates.
+struct KcEdMove {
+    KcGePoint3d point;
+};
+/// One entity: by handle, by a point, or by both; user coordinates.
+struct KcEdPick {
+    KcDbHandle handle = 0; ///< 0: what lies at the point
+    std::optional<KcGePoint3d> point;
+};
+/// A selection line, such as "R W 0,0 10,10".
+struct KcEdSelectionLine {
+    enum class Mode {
+        All,
+        Window,
+        Crossing,
+        Fence,
+        WindowPolygon,
+        CrossingPolygon,
+        Last,
+        Previous,
+        Handles,
+        Point
+    };
+    Mode mode = Mode::All;
+    bool removes = false;
+    std::vector<KcGePoint3d> points; ///< user coordinates; a window's two corners
+    std::vector<KcDbHandle> handles;
+};
+
+using KcEdAnswer = std::variant<
+    KcEdEscape, KcEdEnter, KcEdKeyword, KcGePoint3d, double, int, QString, KcEdSelectionLine, KcEdPick,
+    KcEdMove>;
+
+/// Why a line does not answer a prompt, in one sentence.
+struct KcEdRefusal {
+    QString sentence;
+};
+
+struct KcEdPrompt {
+    enum class Kind {
+        Command,
+        Point,
+        Corner,
+        Distance,
+        Real,
+        Integer,
+        Text,
+        Keyword,
+        Selection,
+        Entity,
+        Track
+    };
+    /// Bits of `flags`.
+    enum Flag {
+        kNoEmpty = 1, ///< Enter is refused
+        kNoZero = 2,
+        kNoNegative = 4,
+        kAnyText = 128, ///< what is neither a value nor a keyword is a text
+    };
+
+    Kind kind = Kind::Text;
+    QString text; ///< shown as it is
+    KcEdKeywordList keywords;
+    int flags = 0;
+    std::optional<KcGePoint3d> base; ///< user coordinates; where a rubber band or rectangle begins
+    /// Refuses an answer that has the right form for another reason, by a sentence; an empty text accepts.
+    std::function<QString(const KcEdAnswer&)> check;
+};
+
+/// Turns a line into an answer to the prompt. `literal` lines are never keywords at a text prompt.
+/// `lastPoint` is what relative points count from, in user coordinates.
+std::variant<KcEdAnswer, KcEdRefusal>
+kcedParseAnswer(const KcEdPrompt& prompt, const QString& line, bool literal, KcGePoint3d lastPoint);
+
+/// A point as it is typed: "x,y", "x,y,z", "@dx,dy", "distance<angle", "@distance<angle", "@"; angles in
+/// degrees.
+std::optional<KcGePoint3d> kcedParsePoint(const QString& text, KcGePoint3d lastPoint);
+/// A finite decimal number; nothing for any other text.
+std::optional<double> kcedParseReal(const QString& text);
+/// A selection line; a refusal when it begins like one but goes wrong; Enter when it is none at all.
+std::variant<KcEdSelectionLine, KcEdEnter, KcEdRefusal>
+kcedParseSelectionLine(const QString& line, KcGePoint3d lastPoint);
+/// "#2F", a handle in hexadecimal.
+std::optional<KcDbHandle> kcedParseHandle(const QString& text);
