@@ -115,7 +115,8 @@ void regenerate()
 
 void listObjects()
 {
-    for (const KcDbObjectId id : askSelection().ids())
+    const KcEdSelectionSet set = askSelection();
+    for (const KcDbObjectId id : set.ids())
         if (const KcDbRead<KcDbEntity> entity(id); entity)
             kcedSay(QString::fromUtf8(QJsonDocument(kcedDumpEntity(*entity)).toJson(QJsonDocument::Compact)));
 }
