@@ -1,1 +1,80 @@
-int main() { return 0; }
+// The program: chooses the sub-command.
+
+#include "program.h"
+
+#include "ed/console.h"
+#include "platform/app_root.h"
+
+#include <QApplication>
+
+namespace {
+
+const char kHelp[] =
+    R"(verdelis: landscape planting tools for 2D CAD drawings
+
+verdelis [DRAWING]                                open the window (not there yet)
+verdelis run DRAWING [-s SCRIPT | -c LINE]... [-o OUT.dxf]
+                                                  run without a window; several -s and -c in order
+verdelis shell DRAWING [-o OUT.dxf]               the same prompts on the terminal
+verdelis plot DRAWING OUT.png|.pdf|.svg           a picture of the drawing (not there yet)
+verdelis audit DRAWING [-o OUT.dxf]               numbered findings, errors apart from fixes; -o saves the repaired drawing
+verdelis dump DRAWING [--type T] [--layer L] [HANDLE...]
+                                                  entities as JSON lines, tags included
+verdelis commands                                 every command that exists, with its purpose
+verdelis --help, --version
+
+--root DIR goes with every one of them: the folder with settings and data to work on.
+Exit status: 0 done; 1 a drawing or script could not be read, or a result not be written;
+2 wrong usage, or a script line that nothing took.
+)";
+
+int runSubCommand(QStringList arguments)
+{
+    using namespace program;
+    if (arguments.contains(QStringLiteral("--root"))) {
+        const auto root = takeOption(arguments, QStringLiteral("--root"));
+        if (!root || root->isEmpty())
+            return wrongUsage(QStringLiteral("--root lacks its folder."));
+        platform::setAppRoot(*root);
+    }
+    const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    if (name == u"--help" || name == u"-h") {
+        kcedPrint(QString::fromUtf8(kHelp));
+        return kDone;
+    }
+    if (name == u"--version") {
+        kcedSay(QStringLiteral("verdelis ") + QLatin1String(kVersion));
+        return kDone;
+    }
+
+    struct Row {
+        const char* name;
+        int (*body)(const Arguments&);
+    };
+    static constexpr Row rows[] = {
+        { "run", run },     { "shell", shell },           { "dump", dump },
+        { "audit", audit }, { "commands", listCommands },
+    };
+    for (const Row& row : rows)
+        if (name == QLatin1String(row.name))
+            return row.body(arguments);
+    if (name == u"plot")
+        return wrongUsage(QStringLiteral("plot is not there yet."));
+    if (name.startsWith(QLatin1Char('-')))
+        return wrongUsage(QStringLiteral("There is no option %1.").arg(name));
+    return wrongUsage(
+        QStringLiteral("The window is not there yet; `verdelis run` and `verdelis shell` work without it."));
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // Dialogs and fonts work without a display too.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
+        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    application.setApplicationName(QStringLiteral("verdelis"));
+    return runSubCommand(application.arguments().mid(1));
+}
