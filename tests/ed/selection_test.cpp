@@ -3,6 +3,7 @@
 
 #include "db/hatch.h"
 #include "db/polyline.h"
+#include "ed/system_variables.h"
 
 #include <gtest/gtest.h>
 
@@ -58,14 +59,24 @@ TEST(Selection, ModesOnACircle)
         { "crossing polygon that cuts it", "CP 39,50 50,61 61,50 50,39", 1 },
         { "all", "ALL", 1 },
         { "last", "L", 1 },
-        { "a point on it", "60,50", 1 },
-        { "a point beside it", "62,50", 0 },
     };
     for (const auto& row : rows) {
         Session s;
         s.add(std::make_unique<KcDbCircle>(KcGePoint3d{ 50, 50, 0 }, 10.0));
         EXPECT_EQ(selected(s, row.line), row.count) << row.name;
     }
+}
+
+// The pick box reaches half its side from the cursor, and grows with the variable.
+TEST(Selection, ThePickBoxDecidesWhatLiesAtAPoint)
+{
+    Session s;
+    const KcDbObjectId circle = s.add(std::make_unique<KcDbCircle>(KcGePoint3d{ 50, 50, 0 }, 10.0));
+    const double box = kcedPickBoxSize();
+    EXPECT_EQ(kcedEntityAt({ 60 + 0.45 * box, 50, 0 }), circle);
+    EXPECT_TRUE(kcedEntityAt({ 60 + 0.55 * box, 50, 0 }).isNull());
+    const KcEdScopedVariable wider("PICKBOX", int64_t(6));
+    EXPECT_EQ(kcedEntityAt({ 60 + 0.55 * box, 50, 0 }), circle);
 }
 
 // Curves inside blocks are where the reference's transform puts them.
