@@ -6,7 +6,7 @@
 #include "db/database.h"
 #include "db/dictionary.h"
 
-#include <numeric>
+#include <unordered_set>
 
 KCRX_DEFINE(KcDbTable, KcDbBlockReference, "AcDbTable")
 
@@ -65,13 +65,40 @@ void trustLooks(KcDbTableCell& cell)
     cell.otherFlags &= ~0xf;
 }
 
-bool holdsForeignContent(const KcDbXrecord& record)
+/// True for the record by which other programs find their second description of a table, and for the
+/// description.
+bool isForeignContent(KcDbObjectId id)
 {
-    for (const KcDbTypedValue& value : record.values())
-        if (KcDbRead<KcDbRawObject> object(value.id());
-            object && (object->fileName() == "TABLECONTENT" || object->fileName() == "TABLEGEOMETRY"))
-            return true;
-    return false;
+    const auto isPart = [](KcDbObjectId part) {
+        const KcDbRead<KcDbRawObject> object(part);
+        return object && (object->fileName() == "TABLECONTENT" || object->fileName() == "TABLEGEOMETRY");
+    };
+    const KcDbRead<KcDbXrecord> record(id);
+    if (!record)
+        return isPart(id);
+    const KcDbValueList values = record->values();
+    return std::any_of(
+        values.begin(), values.end(), [&](const KcDbTypedValue& value) { return isPart(value.id()); });
+}
+
+/// Everything that belongs to an object, at any depth: tables of data hang on the second description, and
+/// records on these.
+std::vector<KcDbObjectId> ownedBy(KcDbObjectId top)
+{
+    std::vector<KcDbObjectId> found;
+    std::unordered_set<KcDbObjectId> owners{ top };
+    for (bool more = true; more;) {
+        more = false;
+        for (KcDbObjectStub& stub : top.database()->stubs()) {
+            const KcDbObjectId id(&stub);
+            if (!id.isResident() || owners.count(id) || !owners.count(stub.object->ownerId()))
+                continue;
+            owners.insert(id);
+            found.push_back(id);
+            more = true;
+        }
+    }
+    return found;
 }
 
 } // namespace
@@ -95,8 +122,7 @@ KcDbObjectId KcDbTable::append(KcDbObjectId block, std::unique_ptr<KcDbTable> ta
     return id;
 }
 
-// Cells
-// ---------------------------------------------------------------------------------------------------------------
+// Cells -------------------------------------------------------------------------------------------
 
 KcDbTableCell* KcDbTable::at(int row, int column)
 {
@@ -154,15 +180,9 @@ void KcDbTable::beforeChange()
     if (KcDbRead<KcDbDictionary> dictionary(extensionDictionary()); dictionary)
         entries = dictionary->entries();
     for (const KcDbDictionary::Entry& entry : entries) {
-        std::vector<KcDbObjectId> parts;
-        if (KcDbRead<KcDbXrecord> record(entry.id); record && holdsForeignContent(*record)) {
-            for (const KcDbTypedValue& value : record->values())
-                if (KcDbRead<KcDbRawObject>(value.id()))
-                    parts.push_back(value.id());
-        } else if (KcDbRead<KcDbRawObject> raw(entry.id); !raw || !raw->fileName().startsWith("TABLE")) {
+        if (!isForeignContent(entry.id))
             continue;
-        }
-        for (KcDbObjectId id : parts)
+        for (KcDbObjectId id : ownedBy(entry.id))
             if (KcDbWrite<KcDbObject> part(id); part)
                 part->erase();
         if (KcDbWrite<KcDbDictionary> dictionary(extensionDictionary()); dictionary)
@@ -170,8 +190,7 @@ void KcDbTable::beforeChange()
     }
 }
 
-// Size
-// ----------------------------------------------------------------------------------------------------------------
+// Size --------------------------------------------------------------------------------------------
 
 Kcad::ErrorStatus KcDbTable::setSize(int rows, int columns)
 {
@@ -346,8 +365,7 @@ Kcad::ErrorStatus KcDbTable::setColumnName(int column, const QString& name)
     return Kcad::eOk;
 }
 
-// Merged areas
-// --------------------------------------------------------------------------------------------------------
+// Merged areas ------------------------------------------------------------------------------------
 
 std::optional<KcDbCellRange> KcDbTable::mergeAt(int row, int column) const
 {
@@ -403,8 +421,7 @@ Kcad::ErrorStatus KcDbTable::unmergeCells(int minRow, int maxRow, int minColumn,
     return Kcad::eOk;
 }
 
-// Content
-// -------------------------------------------------------------------------------------------------------------
+// Content -----------------------------------------------------------------------------------------
 
 QString KcDbTable::textString(int row, int column) const
 {
@@ -491,8 +508,7 @@ Kcad::ErrorStatus KcDbTable::setCellState(int row, int column, int state)
     return status;
 }
 
-// Looks
-// ---------------------------------------------------------------------------------------------------------------
+// Looks -------------------------------------------------------------------------------------------
 
 void KcDbTable::setTableStyle(KcDbObjectId style)
 {
@@ -724,8 +740,7 @@ void KcDbTable::setMargins(double horizontal, double vertical)
     m_table.verticalMargin = vertical;
 }
 
-// Place
-// ---------------------------------------------------------------------------------------------------------------
+// Place -------------------------------------------------------------------------------------------
 
 void KcDbTable::setDirection(KcGeVector3d direction)
 {
@@ -806,8 +821,7 @@ Kcad::ErrorStatus KcDbTable::transformBy(const KcGeMatrix3d& matrix)
     return Kcad::eOk;
 }
 
-// The record
-// ----------------------------------------------------------------------------------------------------------
+// The record --------------------------------------------------------------------------------------
 
 KcDbValueList KcDbTable::recordValues() const
 {
