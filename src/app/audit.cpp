@@ -4,6 +4,7 @@
 
 #include "db/audit.h"
 #include "ed/console.h"
+#include "ed/status_bar.h"
 
 namespace program {
 
@@ -43,8 +44,12 @@ int audit(const Arguments& given)
         return kFileError;
 
     std::vector<KcDbFinding> findings = document->database().findings();
-    for (KcDbFinding& finding : kcdbAudit(document->database()))
-        findings.push_back(std::move(finding));
+    {
+        KcEdProgress progress(QStringLiteral("Checking"), 100);
+        for (KcDbFinding& finding :
+             kcdbAudit(document->database(), [&](int percent) { progress.setPosition(percent); }))
+            findings.push_back(std::move(finding));
+    }
     printFindings(QStringLiteral("Errors"), findings, false);
     printFindings(QStringLiteral("Fixes"), findings, true);
     if (output && !saveDrawingAs(*document, *output))

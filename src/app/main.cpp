@@ -28,6 +28,13 @@ Exit status: 0 done; 1 a drawing or script could not be read, or a result not be
 2 wrong usage, or a script line that nothing took.
 )";
 
+// Passes on what the toolkit says, but for its remark on a variable that servers and containers do not set.
+void passOn(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+        kcedSayError(text);
+}
+
 int runSubCommand(QStringList arguments)
 {
     using namespace program;
@@ -74,6 +81,7 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
         && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(passOn);
     QApplication application(argc, argv);
     application.setApplicationName(QStringLiteral("verdelis"));
     return runSubCommand(application.arguments().mid(1));

@@ -50,8 +50,7 @@ int readPlan(Arguments arguments, Plan& plan)
             if (!appendScript(plan.script, arguments.takeFirst()))
                 return kFileError;
         } else if (argument == u"-c") {
-            plan.script.append(
-                arguments.takeFirst() + QLatin1Char('\n'), QStringLiteral("-c %1").arg(++lines));
+            plan.script.append(arguments.takeFirst() + QLatin1Char('\n'), QStringLiteral("-c"), ++lines);
         } else if (argument == u"-o") {
             plan.output = arguments.takeFirst();
             if (const QString reason = whyNotWritable(plan.output); !reason.isEmpty())

@@ -18,12 +18,14 @@ public:
     {
     }
 
-    std::vector<KcDbFinding> run()
+    std::vector<KcDbFinding> run(const std::function<void(int)>& progress)
     {
         // Repairs may add objects; those need no check.
         const size_t count = m_database.stubs().size();
         for (size_t i = 0; i < count; ++i) {
             const KcDbObjectId id(&m_database.stubs()[i]);
+            if (progress && i % 1000 == 0)
+                progress(int(i * 100 / count));
             if (!id.isResident())
                 continue;
             checkObject(id);
@@ -46,7 +48,7 @@ private:
     void checkObject(KcDbObjectId id)
     {
         const KcDbRead<KcDbObject> object(id);
-        if (id.handle() == 0)
+        if (id.handle() == 0 && id != m_database.headerId())
             error(209, id, QStringLiteral("An object has no handle."));
         const KcDbObjectId owner = object->ownerId();
         if (!owner.isNull() && !owner.isValid())
@@ -188,7 +190,7 @@ private:
 
 } // namespace
 
-std::vector<KcDbFinding> kcdbAudit(KcDbDatabase& database)
+std::vector<KcDbFinding> kcdbAudit(KcDbDatabase& database, const std::function<void(int)>& progress)
 {
-    return Audit(database).run();
+    return Audit(database).run(progress);
 }

@@ -21,7 +21,7 @@ void KcEdInputSource::insert(const QStringList& lines)
         giveBack({ lines[i - 1], {}, 0 });
 }
 
-void KcEdScriptSource::append(const QString& text, const QString& origin)
+void KcEdScriptSource::append(const QString& text, const QString& origin, int firstNumber)
 {
     QString content = text.startsWith(QChar(0xFEFF)) ? text.mid(1) : text;
     content.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -29,9 +29,9 @@ void KcEdScriptSource::append(const QString& text, const QString& origin)
         content.chop(1);
     else if (content.isEmpty())
         return;
-    int number = 0;
+    int number = firstNumber;
     for (const QString& line : content.split(QLatin1Char('\n')))
-        m_lines.push_back({ line, origin, ++number });
+        m_lines.push_back({ line, origin, number++ });
 }
 
 KcEdEvent KcEdScriptSource::read(const KcEdPrompt&)

@@ -50,8 +50,9 @@ private:
 /// The lines of scripts, one after the other.
 class KcEdScriptSource : public KcEdInputSource {
 public:
-    /// Appends a text of lines. `origin` names it in messages.
-    void append(const QString& text, const QString& origin);
+    /// Appends a text of lines. `origin` names it in messages, `firstNumber` is that of the
+    /// first line.
+    void append(const QString& text, const QString& origin, int firstNumber = 1);
     void refused(const KcEdLine& line, const QString& reason) override;
     /// How many lines nothing took.
     int refusals() const { return m_refusals; }
