@@ -48,8 +48,6 @@ private:
     void checkObject(KcDbObjectId id)
     {
         const KcDbRead<KcDbObject> object(id);
-        if (id.handle() == 0 && id != m_database.headerId())
-            error(209, id, QStringLiteral("An object has no handle."));
         const KcDbObjectId owner = object->ownerId();
         if (!owner.isNull() && !owner.isValid())
             error(
@@ -79,11 +77,13 @@ private:
     void checkLayerAndLinetype(KcDbObjectId id)
     {
         const KcDbObjectId layer = KcDbRead<KcDbEntity>(id)->layerId();
-        const bool hasLayer = KcDbRead<KcDbLayerTableRecord>(layer).status() == Kcad::eOk;
-        if (!hasLayer) {
+        // An entity that names no layer is on layer 0 by the rules of the format.
+        if (!layer.isNull() && KcDbRead<KcDbLayerTableRecord>(layer).status() != Kcad::eOk) {
             KcDbWrite<KcDbEntity>(id)->setLayer(kcdbFindRecord(m_database.layerTable(), QStringLiteral("0")));
             fix(201, id, QStringLiteral("Its layer does not exist; it was put on layer 0."));
-        } else if (layer.stub()->flags & KcDbObjectStub::kImplicit) {
+        } else if (
+            !layer.isNull() && (layer.stub()->flags & KcDbObjectStub::kImplicit)
+            && kcdbRecordName(layer) != u"0") {
             reportOnce(
                 layer, 201, id,
                 QStringLiteral("The layer \"%1\" is used and not defined.").arg(kcdbRecordName(layer)));
@@ -94,7 +94,7 @@ private:
         if (KcDbRead<KcDbLinetypeTableRecord>(linetype).status() != Kcad::eOk) {
             KcDbWrite<KcDbEntity>(id)->setLinetypeId({});
             fix(202, id, QStringLiteral("Its line type does not exist; it was set to that of the layer."));
-        } else if (linetype.stub()->flags & KcDbObjectStub::kImplicit) {
+        } else if ((linetype.stub()->flags & KcDbObjectStub::kImplicit) && !isStandardLinetype(linetype)) {
             reportOnce(
                 linetype, 202, id,
                 QStringLiteral("The line type \"%1\" is used and not defined.")
@@ -102,20 +102,30 @@ private:
         }
     }
 
+    // Those that every drawing has, written down or not.
+    static bool isStandardLinetype(KcDbObjectId linetype)
+    {
+        const QString name = kcdbRecordName(linetype).toUpper();
+        return name == u"BYLAYER" || name == u"BYBLOCK" || name == u"CONTINUOUS";
+    }
+
     void checkReference(KcDbObjectId id, const KcDbBlockReference& reference)
     {
         const KcDbObjectId block = reference.blockTableRecord();
         if (KcDbRead<KcDbBlockTableRecord>(block).status() != Kcad::eOk)
             return error(203, id, QStringLiteral("The block that it shows does not exist."));
-        if (block.stub()->flags & KcDbObjectStub::kImplicit)
+        // Old drawings have blocks without records; what has no begin mark either was never defined.
+        const bool isUndefined = (block.stub()->flags & KcDbObjectStub::kImplicit)
+            && KcDbRead<KcDbBlockTableRecord>(block)->data().begin.isNull();
+        if (isUndefined)
             reportOnce(
                 block, 203, id,
                 QStringLiteral("The block \"%1\" is used and not defined.").arg(kcdbRecordName(block)));
         if (reference.ownerId() == block || reaches(block, reference.ownerId()))
             error(204, id, QStringLiteral("The block \"%1\" contains itself.").arg(kcdbRecordName(block)));
         const KcGeVector3d scale = reference.scaleFactors();
-        if (scale.x == 0.0 || scale.y == 0.0 || scale.z == 0.0) // exact on purpose: only 0 cannot be drawn
-            error(210, id, QStringLiteral("One of its scale factors is 0."));
+        if (scale.x == 0.0 || scale.y == 0.0) // exact on purpose: only 0 cannot be drawn
+            error(209, id, QStringLiteral("One of its scale factors is 0."));
     }
 
     // True when `from` holds a reference, at any depth, to `to`. Answers are kept: drawings refer to few
@@ -161,7 +171,7 @@ private:
     void checkSize(KcDbObjectId id, double size, const QString& what)
     {
         if (!(size > 0.0) || !std::isfinite(size))
-            error(210, id, QStringLiteral("Its %1 is %2.").arg(what).arg(size));
+            error(209, id, QStringLiteral("Its %1 is %2.").arg(what).arg(size));
     }
 
     void checkHatch(KcDbObjectId id, const KcDbHatch& hatch)
