@@ -1,0 +1,34 @@
+// The one place that sees the commands of every folder. A command joins the table when it exists.
+
+#include "frame/command_table.h"
+
+#include "core/commands.h"
+#include "ed/command_stack.h"
+#include "frame/commands.h"
+
+#include <vector>
+
+namespace {
+
+constexpr CommandRow table[] = {
+    { u"VDHELP", openHelp, 2, "open the help file" },
+    { u"VDLABOUT", showAbout, 2, "say which product and version this is" },
+};
+
+} // namespace
+
+std::span<const CommandRow> commandTable()
+{
+    return table;
+}
+
+void registerCommands()
+{
+    std::vector<ArxCommandTable> rows;
+    for (const CommandRow& row : table)
+        rows.push_back({ row.name, row.handler, row.flags });
+    AddCommand(commandGroup, rows.data(), int(rows.size()), 0);
+    for (const CommandRow& row : table)
+        kcedCommandStack().setPurpose(
+            commandGroup, QString::fromUtf16(row.name), QString::fromUtf8(row.purpose));
+}
