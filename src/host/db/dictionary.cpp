@@ -52,6 +52,16 @@ Kcad::ErrorStatus KcDbDictionary::remove(const QString& name)
     return Kcad::eOk;
 }
 
+std::vector<KcDbObjectId> KcDbDictionary::ownedObjects() const
+{
+    // Entries may also name objects that others own.
+    std::vector<KcDbObjectId> owned = KcDbObject::ownedObjects();
+    for (const Entry& entry : m_data.entries)
+        if (KcDbRead<KcDbObject> object(entry.id, true); object && object->ownerId() == objectId())
+            owned.push_back(entry.id);
+    return owned;
+}
+
 std::vector<KcDbDictionary::Entry> KcDbDictionary::entries() const
 {
     std::vector<Entry> result;

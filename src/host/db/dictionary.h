@@ -31,6 +31,7 @@ public:
     KcDbObjectId setAt(const QString& name, std::unique_ptr<KcDbObject> object);
     /// Takes the entry out and erases the object. eKeyNotFound when there is none.
     Kcad::ErrorStatus remove(const QString& name);
+    std::vector<KcDbObjectId> ownedObjects() const override;
     /// Entries whose objects can be opened.
     std::vector<Entry> entries() const;
 

@@ -37,18 +37,19 @@ Kcad::ErrorStatus KcDbObject::erase(bool erasing)
         m_stub->flags |= KcDbObjectStub::kErased;
     else
         m_stub->flags &= ~uint32_t(KcDbObjectStub::kErased);
-    std::vector<KcDbObjectId> owned = subObjects();
-    if (KcDbObjectId dictionary = extensionDictionary(); dictionary.isValid()) {
-        owned.push_back(dictionary);
-        if (KcDbRead<KcDbDictionary> entries(dictionary, true); entries)
-            for (const auto& entry : entries->data().entries)
-                owned.push_back(entry.id);
-    }
-    for (KcDbObjectId id : owned)
+    for (KcDbObjectId id : ownedObjects())
         if (KcDbWrite<KcDbObject> object(id, true); object)
             object->erase(erasing);
     m_stub->database->notifyErased(*m_stub);
     return Kcad::eOk;
+}
+
+std::vector<KcDbObjectId> KcDbObject::ownedObjects() const
+{
+    std::vector<KcDbObjectId> owned = subObjects();
+    if (extensionDictionary().isValid())
+        owned.push_back(extensionDictionary());
+    return owned;
 }
 
 const std::vector<KcDbXData>& KcDbObject::xdata() const

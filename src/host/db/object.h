@@ -85,6 +85,8 @@ public:
 
     /// Objects that live and die with this one and follow it in the file: attributes, vertices, the end mark.
     virtual std::vector<KcDbObjectId> subObjects() const { return {}; }
+    /// All objects that are erased and brought back with this one: the sub-objects, the extension dictionary, …
+    virtual std::vector<KcDbObjectId> ownedObjects() const;
 
 protected:
     KcDbObject() = default;

@@ -6,6 +6,13 @@
 
 KCRX_DEFINE(KcDbRawEntity, KcDbEntity, "AcDbProxyEntity")
 
+std::vector<KcDbObjectId> KcDbRawEntity::ownedObjects() const
+{
+    std::vector<KcDbObjectId> result = KcDbEntity::ownedObjects();
+    result.insert(result.end(), m_data.owned.begin(), m_data.owned.end());
+    return result;
+}
+
 KcGeExtents3d KcDbRawEntity::geomExtents() const
 {
     if (m_data.block.isResident())

@@ -14,6 +14,7 @@ public:
     struct Data {
         KcDbObjectId block; ///< the block that shows it (dimensions, tables of other programs); null: none
         KcGeExtents3d points; ///< box of the points that its groups hold
+        std::vector<KcDbObjectId> owned; ///< objects that go with it
     };
     const Data& data() const { return m_data; }
     Data& data() { return m_data; }
@@ -22,6 +23,7 @@ public:
 
     /// The box of its block, else of the points it holds.
     KcGeExtents3d geomExtents() const override;
+    std::vector<KcDbObjectId> ownedObjects() const override;
     /// eNotApplicable: what the program does not know it does not move.
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d&) override { return Kcad::eNotApplicable; }
 

@@ -50,7 +50,7 @@ public:
         out.integer(281, d.cloning);
         for (const KcDbDictionary::Entry& entry : d.entries) {
             // Entries of objects that were never born stay: the file has them.
-            if (entry.id.isValid() && !isWritten(*entry.id.stub()))
+            if (!isWrittenReference(object, entry.id))
                 continue;
             out.text(3, entry.name);
             out.handle(d.hardOwner ? 360 : 350, entry.id);
@@ -125,7 +125,7 @@ void registerObjectCodecs()
             },
             [](const KcDbGroup& group, GroupList& out) {
                 for (KcDbObjectId id : group.data().members)
-                    if (!id.isErased())
+                    if (isWrittenReference(group, id))
                         out.handle(340, id);
             }));
     }

@@ -24,7 +24,7 @@ std::vector<Section> sectionsOf(const std::vector<OutGroup>& groups)
     std::map<QString, int> seen;
     bool inXData = false;
     for (size_t i = 0; i < groups.size(); ++i) {
-        const bool mark = groups[i].code == 100 && !inXData;
+        const bool mark = (groups[i].code == 100 || groups[i].code == 101) && !inXData;
         const bool xdata = groups[i].code >= 1000 && !inXData;
         if (!mark && !xdata)
             continue;
@@ -133,6 +133,44 @@ SourceGroups parseRecord(std::string_view record, Form form, Strings& strings)
         result.bytes.emplace_back(group.begin, size_t(group.end - group.begin));
     }
     return result;
+}
+
+bool sameGroups(const std::vector<OutGroup>& a, const std::vector<OutGroup>& b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const OutGroup& x, const OutGroup& y) {
+        return x.sameValue(y);
+    });
+}
+
+void dropStalePictures(SourceGroups& source)
+{
+    std::vector<bool> stale(source.groups.size(), false);
+    bool inEntity = false;
+    size_t embedded = kNone;
+    bool hasColumns = false;
+    for (size_t i = 0; i < source.groups.size(); ++i) {
+        const OutGroup& group = source.groups[i];
+        if (group.code == 100) {
+            const auto* name = std::get_if<QString>(&group.value);
+            inEntity = name && *name == QLatin1String("AcDbEntity");
+        }
+        stale[i] = inEntity && (group.code == 92 || group.code == 160 || group.code == 310);
+        if (group.code == 101)
+            embedded = i;
+        else if (embedded != kNone && group.code == 71)
+            hasColumns |= group.value != decltype(group.value)(int64_t(0));
+    }
+    if (embedded != kNone && !hasColumns)
+        for (size_t i = embedded; i < source.groups.size() && source.groups[i].code < 1000; ++i)
+            stale[i] = true;
+    SourceGroups kept;
+    for (size_t i = 0; i < source.groups.size(); ++i) {
+        if (stale[i])
+            continue;
+        kept.groups.push_back(std::move(source.groups[i]));
+        kept.bytes.push_back(source.bytes[i]);
+    }
+    source = std::move(kept);
 }
 
 std::string patchRecord(

@@ -19,6 +19,13 @@ struct SourceGroups {
 
 SourceGroups parseRecord(std::string_view record, Form form, Strings& strings);
 
+/// Takes out of a record what shows the object as it was before a change: the proxy graphics that other programs draw
+/// instead of it, and the embedded repetition of a text without columns (that of columns holds more than the text).
+void dropStalePictures(SourceGroups& source);
+
+/// True when the lists hold the same values.
+bool sameGroups(const std::vector<OutGroup>& a, const std::vector<OutGroup>& b);
+
 /// The bytes of a changed record. `before` and `after` are what the codec writes of the object as read and as it is,
 /// defaults included.
 std::string patchRecord(

@@ -98,7 +98,7 @@ private:
             return bytesOf(out.groups());
         }
         const std::string_view record = m_file.record(object.sourcePlace());
-        const SourceGroups source = parseRecord(record, m_file.form, *m_file.strings);
+        SourceGroups source = parseRecord(record, m_file.form, *m_file.strings);
         GroupCursor cursor(record.data(), record.data() + record.size(), m_file.form);
         Group mark;
         cursor.next(mark);
@@ -115,6 +115,10 @@ private:
         const KcDbHandle handle = keepsHandle ? head.handle : handleFor(object);
         const bool moved = isNew || (object.objectId().stub()->flags & KcDbObjectStub::kRelisted);
         writeRecord(object, name, codec, handle, moved ? ownerHandle(object) : head.owner, after);
+        if (sameGroups(before.groups(), after.groups()))
+            return std::string(record);
+        if (codec && isEntity)
+            dropStalePictures(source);
         return patchRecord(source, before.groups(), after.groups(), m_file.form, *m_file.strings, m_file.lineEnd);
     }
 

@@ -11,7 +11,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <cstdlib>
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -552,16 +554,11 @@ private:
     KcDbObjectId m_parent; ///< the entity whose attributes or vertices follow
 };
 
-Result readBytes(std::unique_ptr<char[]> bytes, size_t size, KcDbDatabase& database)
+Result readBytes(SourceFile::Room bytes, size_t size, KcDbDatabase& database)
 {
     Result result;
-    const auto tryForm = [&](std::shared_ptr<SourceFile> file) {
-        Reader reader(database, std::move(file));
-        reader.read();
-    };
     try {
-        auto file = std::make_shared<SourceFile>(std::move(bytes), size);
-        tryForm(file);
+        Reader(database, std::make_shared<SourceFile>(std::move(bytes), size)).read();
         result.ok = true;
     } catch (const FileError& error) {
         result.error = QString::fromStdString(error.what());
@@ -582,7 +579,23 @@ Form formOf(std::string_view bytes)
 
 } // namespace
 
-SourceFile::SourceFile(std::unique_ptr<char[]> bytes, size_t length)
+SourceFile::Room::Room(size_t size)
+{
+    constexpr size_t kLargePage = size_t(2) << 20;
+    const size_t rounded = (size / kLargePage + 1) * kLargePage;
+    m_bytes = static_cast<char*>(std::aligned_alloc(kLargePage, rounded));
+    if (!m_bytes)
+        throw std::bad_alloc();
+    if (size > kLargePage)
+        ::madvise(m_bytes, rounded, MADV_HUGEPAGE);
+}
+
+SourceFile::Room::~Room()
+{
+    std::free(m_bytes);
+}
+
+SourceFile::SourceFile(Room bytes, size_t length)
     : size(length)
     , m_bytes(std::move(bytes))
 {
@@ -609,7 +622,7 @@ QString versionText(KcDbVersion version)
 
 Result readDrawing(std::string_view bytes, KcDbDatabase& database)
 {
-    auto copy = std::make_unique_for_overwrite<char[]>(bytes.size());
+    SourceFile::Room copy(bytes.size());
     std::memcpy(copy.get(), bytes.data(), bytes.size());
     return readBytes(std::move(copy), bytes.size(), database);
 }
@@ -631,7 +644,14 @@ Result readDrawing(const QString& path, KcDbDatabase& database)
     }
     // Read, not mapped: another program may cut the file short while it is open here.
     const size_t size = size_t(info.st_size);
-    auto bytes = std::make_unique_for_overwrite<char[]>(size);
+    std::optional<SourceFile::Room> room;
+    try {
+        room.emplace(size);
+    } catch (const std::bad_alloc&) {
+        ::close(descriptor);
+        return failed(ENOMEM);
+    }
+    SourceFile::Room& bytes = *room;
     size_t got = 0;
     while (got < size) {
         const ssize_t n = ::read(descriptor, bytes.get() + got, size - got);

@@ -130,6 +130,62 @@ private:
     std::vector<KcDbXData> m_all;
 };
 
+/// The point whose coordinates are being read.
+struct UnknownPoint {
+    double x = 0.0;
+    KcGePoint3d origin; ///< of a picture
+    KcGeVector3d u, v; ///< of a pixel of a picture
+};
+
+/// Of what it does not know the program reads where it lies: its points, a dimension's block; and what it owns.
+void readUnknown(KcDbRawEntity& entity, const Group& group, ReadContext& context, UnknownPoint& point)
+{
+    KcDbRawEntity::Data& d = entity.data();
+    const bool isPicture = entity.fileName() == "IMAGE";
+    const bool isMultiline = entity.fileName() == "MLINE";
+    switch (group.code) {
+    case 2:
+        if (d.block.isNull() && entity.fileName().endsWith("DIMENSION"))
+            d.block = context.named(NameOf::Block, group);
+        return;
+    case 360:
+        d.owned.push_back(context.handle(group));
+        return;
+    case 10:
+    case 13:
+        point.x = group.real();
+        return;
+    case 11:
+        point.x = point.u.x = group.real();
+        return;
+    case 12:
+        point.v.x = group.real();
+        return;
+    case 20:
+        point.origin = {point.x, group.real(), 0.0};
+        d.points.addPoint(point.origin);
+        return;
+    case 21:
+        point.u.y = group.real();
+        if (isMultiline) // vertices; other kinds have directions here
+            d.points.addPoint({point.x, group.real(), 0.0});
+        return;
+    case 22:
+        point.v.y = group.real();
+        return;
+    case 23:
+        if (isPicture) {
+            const KcGePoint3d right = point.origin + point.u * point.x, up = point.origin + point.v * group.real();
+            d.points.addPoint(right);
+            d.points.addPoint(up);
+            d.points.addPoint(right + (up - point.origin));
+        }
+        return;
+    default:
+        return;
+    }
+}
+
 } // namespace
 
 std::unique_ptr<KcDbObject> makeObject(const Codec* codec, std::string_view fileName, bool isEntity)
@@ -167,7 +223,7 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
     auto* entity = isEntity ? static_cast<KcDbEntity*>(&object) : nullptr;
     auto* raw = object.isA() == KcDbRawEntity::desc() ? static_cast<KcDbRawEntity*>(&object) : nullptr;
     bool hasName = false, hasFlags = false;
-    double rawX = 0.0;
+    UnknownPoint rawPoint;
 
     ReadState state {context, cursor};
     std::optional<Lists> lists;
@@ -194,6 +250,13 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
             if (isXrecord && state.subclass == "AcDbXrecord")
                 break;
             state.subclass = group.trimmed();
+            ++state.subclassCount;
+            continue;
+        case 101:
+            // Data embedded in the record by a later version; it says again, in its own way, what came before.
+            if (isXrecord)
+                break;
+            state.subclass = "Embedded Object";
             ++state.subclassCount;
             continue;
         case 102:
@@ -241,13 +304,7 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
         if (codec) {
             codec->read(object, group, state);
         } else if (raw && state.subclass != "AcDbEntity") {
-            // Of what it does not know the program reads where it lies: the points, and a dimension's block.
-            if (group.code == 2 && raw->data().block.isNull() && raw->fileName().endsWith("DIMENSION"))
-                raw->data().block = context.named(NameOf::Block, group);
-            else if (group.code >= 10 && group.code <= 18)
-                rawX = group.real();
-            else if (group.code >= 20 && group.code <= 28 && std::abs(rawX) < 1e15)
-                raw->data().points.addPoint({rawX, group.real(), 0.0});
+            readUnknown(*raw, group, context, rawPoint);
         }
     }
 done:
@@ -274,14 +331,14 @@ void writeRecord(
         out.handle(isDimStyle ? 105 : 5, handle);
     if (!out.isR12()) {
         if (const KcDbObjectId dictionary = object.extensionDictionary();
-            dictionary.isValid() && isWritten(*dictionary.stub())) {
+            !dictionary.isNull() && isWrittenReference(object, dictionary)) {
             out.text(102, QString::fromLatin1(kExtensionDictionary.data()));
             out.handle(360, dictionary);
             out.text(102, QStringLiteral("}"));
         }
         std::vector<KcDbObjectId> reactors;
         for (KcDbObjectId id : object.reactors())
-            if (!id.isErased())
+            if (isWrittenReference(object, id))
                 reactors.push_back(id);
         if (!reactors.empty()) {
             out.text(102, QString::fromLatin1(kReactors.data()));

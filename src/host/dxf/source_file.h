@@ -13,13 +13,29 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace dxf {
 
 class SourceFile : public KcDbDrawingFile {
 public:
-    SourceFile(std::unique_ptr<char[]> bytes, size_t size);
+    /// Room for a file. Of a large one most of the time to read it is the system's making pages; large pages save that.
+    class Room {
+    public:
+        explicit Room(size_t size);
+        ~Room();
+        Room(Room&& other) noexcept
+            : m_bytes(std::exchange(other.m_bytes, nullptr))
+        {
+        }
+        Room& operator=(Room&&) = delete;
+        char* get() const { return m_bytes; }
+
+    private:
+        char* m_bytes;
+    };
+    SourceFile(Room bytes, size_t size);
 
     const char* begin() const { return m_bytes.get(); }
     const char* end() const { return m_bytes.get() + size; }
@@ -56,7 +72,7 @@ public:
     std::vector<KcDbObjectStub*> order;
 
 private:
-    std::unique_ptr<char[]> m_bytes;
+    Room m_bytes;
 };
 
 /// The name that a header gives its version, such as "AC1024"; nothing for a version that is not known.
