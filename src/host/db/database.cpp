@@ -98,9 +98,12 @@ void KcDbDatabase::endLoading()
     for (const auto& [stub, wanted] : m_unnumbered) {
         giveHandle(KcDbObjectId(stub), 0);
         if (wanted != 0)
-            addFinding({kFindingDuplicateHandle, true, stub->handle,
-                QStringLiteral("Handle %1 is borne by two objects; the second is known as %2 while the drawing is open.")
-                    .arg(QString::number(wanted, 16).toUpper(), QString::number(stub->handle, 16).toUpper())});
+            addFinding({ kFindingDuplicateHandle, true, stub->handle,
+                         QStringLiteral("Handle %1 is borne by two objects; the second is known as %2 while "
+                                        "the drawing is open.")
+                             .arg(
+                                 QString::number(wanted, 16).toUpper(),
+                                 QString::number(stub->handle, 16).toUpper()) });
     }
     m_unnumbered.clear();
 }
@@ -145,8 +148,8 @@ void KcDbDatabase::replaceObject(KcDbObjectId id, std::unique_ptr<KcDbObject> ob
 KcDbObjectId KcDbDatabase::tableNamed(const char* fileName) const
 {
     const std::string_view name(fileName);
-    for (KcDbObjectId id : {m_layerTable, m_linetypeTable, m_textStyleTable, m_dimStyleTable, m_regAppTable, m_ucsTable,
-             m_viewTable, m_viewportTable, m_blockTable})
+    for (KcDbObjectId id : { m_layerTable, m_linetypeTable, m_textStyleTable, m_dimStyleTable, m_regAppTable,
+                             m_ucsTable, m_viewTable, m_viewportTable, m_blockTable })
         if (KcDbRead<KcDbSymbolTable> table(id); table && name == table->fileName())
             return id;
     return {};
@@ -196,7 +199,7 @@ void KcDbDatabase::giveHandle(KcDbObjectId id, KcDbHandle handle)
 void KcDbDatabase::exchangeHandles(KcDbObjectStub& a, KcDbObjectStub& b)
 {
     std::swap(a.handle, b.handle);
-    for (KcDbObjectStub* stub : {&a, &b})
+    for (KcDbObjectStub* stub : { &a, &b })
         if (stub->handle != 0)
             slot(stub->handle) = stub;
 }
@@ -221,7 +224,7 @@ KcDbObjectId KcDbDatabase::currentSpace() const
 KcGeMatrix3d KcDbDatabase::ucsToWorld() const
 {
     const KcDbRead<KcDbHeader> header(m_header);
-    const KcGePoint3d x = header->point("$UCSXDIR", {1, 0, 0}), y = header->point("$UCSYDIR", {0, 1, 0});
+    const KcGePoint3d x = header->point("$UCSXDIR", { 1, 0, 0 }), y = header->point("$UCSYDIR", { 0, 1, 0 });
     const KcGeVector3d xAxis = x.asVector().normal(), yAxis = y.asVector().normal();
     const KcGeVector3d zAxis = xAxis.crossProduct(yAxis);
     if (!(zAxis.length() > 0.5)) // axes that are no axes: the world system
@@ -229,20 +232,33 @@ KcGeMatrix3d KcDbDatabase::ucsToWorld() const
     return KcGeMatrix3d::fromAxes(header->point("$UCSORG"), xAxis, yAxis, zAxis.normal());
 }
 
-KcDbObjectId KcDbDatabase::currentRecord(KcDbObjectId table, const char* variable, const char* otherwise) const
+KcDbObjectId
+KcDbDatabase::currentRecord(KcDbObjectId table, const char* variable, const char* otherwise) const
 {
     const KcDbRead<KcDbHeader> header(m_header);
     const KcDbObjectId id = kcdbFindRecord(table, header->text(QLatin1String(variable)));
     return id.isNull() ? kcdbFindRecord(table, QLatin1String(otherwise)) : id;
 }
 
-KcDbObjectId KcDbDatabase::currentLayer() const { return currentRecord(m_layerTable, "$CLAYER", "0"); }
+KcDbObjectId KcDbDatabase::currentLayer() const
+{
+    return currentRecord(m_layerTable, "$CLAYER", "0");
+}
 
-KcDbObjectId KcDbDatabase::currentTextStyle() const { return currentRecord(m_textStyleTable, "$TEXTSTYLE", "STANDARD"); }
+KcDbObjectId KcDbDatabase::currentTextStyle() const
+{
+    return currentRecord(m_textStyleTable, "$TEXTSTYLE", "STANDARD");
+}
 
-KcDbObjectId KcDbDatabase::currentLinetype() const { return currentRecord(m_linetypeTable, "$CELTYPE", "BYLAYER"); }
+KcDbObjectId KcDbDatabase::currentLinetype() const
+{
+    return currentRecord(m_linetypeTable, "$CELTYPE", "BYLAYER");
+}
 
-KcDbObjectId KcDbDatabase::byLayerLinetype() const { return kcdbFindRecord(m_linetypeTable, QStringLiteral("BYLAYER")); }
+KcDbObjectId KcDbDatabase::byLayerLinetype() const
+{
+    return kcdbFindRecord(m_linetypeTable, QStringLiteral("BYLAYER"));
+}
 
 void KcDbDatabase::addListener(KcDbListener* listener)
 {

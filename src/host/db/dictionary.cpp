@@ -35,7 +35,7 @@ KcDbObjectId KcDbDictionary::setAt(const QString& name, std::unique_ptr<KcDbObje
     assert(database());
     remove(name);
     const KcDbObjectId id = database()->addObject(std::move(object), objectId());
-    m_data.entries.push_back({name, id});
+    m_data.entries.push_back({ name, id });
     return id;
 }
 
@@ -107,7 +107,7 @@ const KcRxClass* KcDbModuleObject::desc()
 
 KcDbValueList KcDbModuleObject::values() const
 {
-    KcDbValueList list {{1, kClassMark + QLatin1String(isA()->name())}};
+    KcDbValueList list{ { 1, kClassMark + QLatin1String(isA()->name()) } };
     const KcDbValueList own = ownValues();
     list.insert(list.end(), own.begin(), own.end());
     return list;
@@ -123,7 +123,7 @@ void KcDbModuleObject::setValues(KcDbValueList values)
 void KcDbModuleObject::registerClass(const KcRxClass* type, Factory factory)
 {
     unregisterClass(type);
-    moduleClasses().push_back({type, std::move(factory)});
+    moduleClasses().push_back({ type, std::move(factory) });
 }
 
 void KcDbModuleObject::unregisterClass(const KcRxClass* type)
@@ -149,6 +149,8 @@ std::unique_ptr<KcDbModuleObject> KcDbModuleObject::fromRecord(const KcDbXrecord
 
 void KcDbModuleObject::reviveAll(KcDbDatabase& database)
 {
+    if (moduleClasses().empty())
+        return;
     for (KcDbObjectStub& stub : database.stubs()) {
         if (!stub.object || stub.object->isA() != KcDbXrecord::desc())
             continue;
@@ -157,8 +159,8 @@ void KcDbModuleObject::reviveAll(KcDbDatabase& database)
     }
 }
 
-KcDbObjectId KcDbGroup::create(
-    KcDbDatabase& database, const QString& name, const std::vector<KcDbObjectId>& members)
+KcDbObjectId
+KcDbGroup::create(KcDbDatabase& database, const QString& name, const std::vector<KcDbObjectId>& members)
 {
     auto group = std::make_unique<KcDbGroup>();
     for (KcDbObjectId id : members)

@@ -37,7 +37,7 @@ void KcDbEntity::setDatabaseDefaults(KcDbDatabase& database)
     m_linetype = database.currentLinetype();
     if (m_linetype == database.byLayerLinetype())
         m_linetype = {};
-    m_color = {int16_t(header->integer("$CECOLOR", KcCmColor::kByLayer)), -1};
+    m_color = { int16_t(header->integer("$CECOLOR", KcCmColor::kByLayer)), -1 };
     m_linetypeScale = header->real("$CELTSCALE", 1.0);
     m_lineWeight = int16_t(header->integer("$CELWEIGHT", -1));
 }

@@ -50,9 +50,9 @@ void KcDbHeader::set(const QString& name, KcDbTypedValue value)
 {
     const auto found = m_index.find(keyOf(name));
     if (found == m_index.end())
-        append({name, {std::move(value)}});
+        append({ name, { std::move(value) } });
     else
-        m_variables[found->second].values = {std::move(value)};
+        m_variables[found->second].values = { std::move(value) };
 }
 
 void KcDbHeader::append(Variable variable)

@@ -25,12 +25,12 @@ void KcDbDatabase::makeNewDrawing()
     completeFrame();
     {
         KcDbWrite<KcDbHeader> header(m_header);
-        header->set("$ACADVER", {1, QStringLiteral("AC1024")});
-        header->set("$DWGCODEPAGE", {3, QStringLiteral("ANSI_936")});
-        header->set("$INSUNITS", {70, int64_t(4)});
-        header->set("$MEASUREMENT", {70, int64_t(1)});
-        header->set("$LTSCALE", {40, 1.0});
-        header->set("$CLAYER", {8, QStringLiteral("0")});
+        header->set("$ACADVER", { 1, QStringLiteral("AC1024") });
+        header->set("$DWGCODEPAGE", { 3, QStringLiteral("ANSI_936") });
+        header->set("$INSUNITS", { 70, int64_t(4) });
+        header->set("$MEASUREMENT", { 70, int64_t(1) });
+        header->set("$LTSCALE", { 40, 1.0 });
+        header->set("$CLAYER", { 8, QStringLiteral("0") });
     }
     KcDbViewportTableRecord active;
     active.data().viewHeight = 1000.0;
@@ -43,13 +43,17 @@ void KcDbDatabase::completeFrame()
 {
     // Entering what is implied into a dictionary that was read does not change the drawing.
     std::vector<std::pair<KcDbObjectStub*, bool>> changedBefore;
-    for (KcDbObjectStub& stub : m_stubs)
-        if (stub.object && stub.object->isA() == KcDbDictionary::desc())
-            changedBefore.emplace_back(&stub, stub.object->sourcePlace().changed);
+    const auto remember = [&](KcDbObjectId id) {
+        if (id.isValid())
+            changedBefore.emplace_back(id.stub(), id.stub()->object->sourcePlace().changed);
+    };
+    remember(m_namedObjects);
+    if (KcDbRead<KcDbDictionary> root(m_namedObjects); root)
+        remember(root->getAt(QStringLiteral("ACAD_LAYOUT")));
     const auto missing = [](KcDbObjectId table, const char* name) {
         return kcdbFindRecord(table, QLatin1String(name)).isNull();
     };
-    for (const char* name : {"ByBlock", "ByLayer", "Continuous"})
+    for (const char* name : { "ByBlock", "ByLayer", "Continuous" })
         if (missing(m_linetypeTable, name))
             markImplicit(addRecord<KcDbLinetypeTableRecord>(m_linetypeTable, name));
     const KcDbObjectId continuous = kcdbFindRecord(m_linetypeTable, QStringLiteral("Continuous"));
@@ -72,7 +76,7 @@ void KcDbDatabase::completeFrame()
         m_namedObjects = addObject(std::make_unique<KcDbDictionary>(), {});
         markImplicit(m_namedObjects);
     }
-    for (const char* name : {"ACAD_GROUP", "ACAD_LAYOUT"}) {
+    for (const char* name : { "ACAD_GROUP", "ACAD_LAYOUT" }) {
         KcDbRead<KcDbDictionary> root(m_namedObjects);
         if (root && root->getAt(QLatin1String(name)).isNull())
             markImplicit(KcDbDictionary::subDictionary(m_namedObjects, QLatin1String(name)));
@@ -80,7 +84,7 @@ void KcDbDatabase::completeFrame()
     const struct {
         const char *block, *layout;
         bool paper;
-    } spaces[] = {{"*Model_Space", "Model", false}, {"*Paper_Space", "Layout1", true}};
+    } spaces[] = { { "*Model_Space", "Model", false }, { "*Paper_Space", "Layout1", true } };
     for (const auto& space : spaces) {
         if (!(space.paper ? paperSpace() : modelSpace()).isNull())
             continue;
@@ -91,7 +95,7 @@ void KcDbDatabase::completeFrame()
         record->data().end = addObject(std::make_unique<KcDbBlockEnd>(), block);
         markImplicit(record->data().begin);
         markImplicit(record->data().end);
-        for (KcDbObjectId mark : {record->data().begin, record->data().end})
+        for (KcDbObjectId mark : { record->data().begin, record->data().end })
             if (KcDbWrite<KcDbEntity> entity(mark); entity) {
                 entity->setLayer(kcdbFindRecord(m_layerTable, QStringLiteral("0")));
                 entity->setInPaperSpace(space.paper);
@@ -101,16 +105,18 @@ void KcDbDatabase::completeFrame()
         layout->data().tabOrder = space.paper;
         layout->data().plotFlags = space.paper ? 688 : 1712;
         layout->data().block = block;
-        KcDbWrite<KcDbDictionary> layouts(KcDbDictionary::subDictionary(m_namedObjects, QStringLiteral("ACAD_LAYOUT")));
+        KcDbWrite<KcDbDictionary> layouts(
+            KcDbDictionary::subDictionary(m_namedObjects, QStringLiteral("ACAD_LAYOUT")));
         record->data().layout = layouts->setAt(QLatin1String(space.layout), std::move(layout));
         markImplicit(record->data().layout);
     }
     for (const auto& [stub, changed] : changedBefore)
         stub->object->m_place.changed = changed;
-    for (KcDbObjectId id : {m_namedObjects, KcDbDictionary::subDictionary(m_namedObjects, QStringLiteral("ACAD_LAYOUT"))})
+    for (KcDbObjectId id :
+         { m_namedObjects, KcDbDictionary::subDictionary(m_namedObjects, QStringLiteral("ACAD_LAYOUT")) })
         if (id.stub()->flags & KcDbObjectStub::kImplicit)
             markImplicit(id);
-    for (KcDbObjectId id : {modelSpace(), paperSpace()})
+    for (KcDbObjectId id : { modelSpace(), paperSpace() })
         if (id.stub()->flags & KcDbObjectStub::kImplicit)
             markImplicit(id);
 }

@@ -1,4 +1,5 @@
-// The base of database objects: extended data, extension dictionaries, reactors, erasing; and the handles that open them.
+// The base of database objects: extended data, extension dictionaries, reactors, erasing; and the handles
+// that open them.
 
 #include "db/open.h"
 
@@ -94,7 +95,7 @@ void KcDbObject::setXData(const QString& application, KcDbValueList values, KcDb
         added->initName(application);
         record = table->add(std::move(added));
     }
-    list.push_back({record, std::move(values)});
+    list.push_back({ record, std::move(values) });
 }
 
 KcDbObjectId KcDbObject::createExtensionDictionary()
@@ -152,7 +153,8 @@ void KcDbOpenBase::beginWrite(KcDbObjectStub& stub)
 {
     stub.database->m_undo.willChange(stub);
     KcDbSourcePlace place = stub.object->sourcePlace();
-    // What every drawing is given in memory enters the file with its first change, and its owner must then name it.
+    // What every drawing is given in memory enters the file with its first change, and its owner must then
+    // name it.
     if ((stub.flags & KcDbObjectStub::kImplicit) && !place.changed)
         if (const KcDbObjectId owner = stub.object->ownerId(); owner.isResident())
             beginWrite(*owner.stub());

@@ -149,7 +149,8 @@ KcDbObjectId KcDbBlockTableRecord::appendEntity(std::unique_ptr<KcDbEntity> enti
 void KcDbBlockTableRecord::adopt(KcDbEntity& entity) const
 {
     KcDbObjectStub& stub = *entity.objectId().stub();
-    // An entity that comes back to a block it was in is in the block's list already; only its old place is given up.
+    // An entity that comes back to a block it was in is in the block's list already; only its old place is
+    // given up.
     if (stub.flags & KcDbObjectStub::kRelisted)
         std::erase(*m_entities, entity.objectId());
     stub.flags |= KcDbObjectStub::kRelisted;

@@ -30,7 +30,7 @@ void KcDbUndo::willChange(KcDbObjectStub& stub)
     if (m_depth == 0 || stub.undoStep == m_number)
         return;
     stub.undoStep = m_number;
-    m_open.changes.push_back({&stub, stub.object->copy(), stub.flags});
+    m_open.changes.push_back({ &stub, stub.object->copy(), stub.flags });
 }
 
 void KcDbUndo::wasCreated(KcDbObjectStub& stub)
@@ -38,7 +38,7 @@ void KcDbUndo::wasCreated(KcDbObjectStub& stub)
     if (m_depth == 0)
         return;
     stub.undoStep = m_number;
-    m_open.changes.push_back({&stub, nullptr, stub.flags | KcDbObjectStub::kErased});
+    m_open.changes.push_back({ &stub, nullptr, stub.flags | KcDbObjectStub::kErased });
 }
 
 void KcDbUndo::swap(Change& change)

@@ -8,11 +8,11 @@ namespace {
 
 // File name, class, application and flags as programs of 2010 write them.
 constexpr ClassEntry kEntries[] = {
-    {"ACAD_TABLE", "AcDbTable", "ObjectDBX Classes", 1025, true},
-    {"WIPEOUT", "AcDbWipeout", "WipeOut", 127, true},
-    {"TABLESTYLE", "AcDbTableStyle", "ObjectDBX Classes", 4095, false},
-    {"ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault", "ObjectDBX Classes", 0, false},
-    {"SORTENTSTABLE", "AcDbSortentsTable", "ObjectDBX Classes", 0, false},
+    { "ACAD_TABLE", "AcDbTable", "ObjectDBX Classes", 1025, true },
+    { "WIPEOUT", "AcDbWipeout", "WipeOut", 127, true },
+    { "TABLESTYLE", "AcDbTableStyle", "ObjectDBX Classes", 4095, false },
+    { "ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault", "ObjectDBX Classes", 0, false },
+    { "SORTENTSTABLE", "AcDbSortentsTable", "ObjectDBX Classes", 0, false },
 };
 
 } // namespace

@@ -8,7 +8,8 @@
 
 namespace dxf {
 
-// Names ---------------------------------------------------------------------------------------------------------------
+// Names
+// ---------------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -31,13 +32,6 @@ std::unique_ptr<KcDbSymbolTableRecord> makeRecord(NameOf table)
     return std::make_unique<KcDbRegAppTableRecord>();
 }
 
-const char* kindText(NameOf table)
-{
-    static constexpr const char* kTexts[]
-        = {"layer", "line type", "text style", "dimension style", "block", "application"};
-    return kTexts[size_t(table)];
-}
-
 } // namespace
 
 ReadContext::ReadContext(KcDbDatabase& d, Strings& s, KcDbVersion v)
@@ -58,8 +52,9 @@ KcDbObjectId ReadContext::named(NameOf table, const Group& group)
     names.lastKey = raw;
     KcDbObjectId& known = names.known[names.lastKey];
     if (known.isNull()) {
-        const KcDbObjectId tables[] = {database.layerTable(), database.linetypeTable(), database.textStyleTable(),
-            database.dimStyleTable(), database.blockTable(), database.regAppTable()};
+        const KcDbObjectId tables[]
+            = { database.layerTable(),    database.linetypeTable(), database.textStyleTable(),
+                database.dimStyleTable(), database.blockTable(),    database.regAppTable() };
         const QString name = text(group);
         KcDbWrite<KcDbSymbolTable> open(tables[size_t(table)]);
         known = open->getAt(name);
@@ -70,11 +65,6 @@ KcDbObjectId ReadContext::named(NameOf table, const Group& group)
             record->initName(name);
             known = open->add(std::move(record));
             KcDbDatabase::markImplicit(known);
-            // In R12 files blocks are used before they are defined; what stays undefined is reported at the end.
-            if (version != KcDbVersion::R12)
-                finding(kFindingUndefinedName, 0,
-                    QStringLiteral("The drawing uses the %1 \"%2\" without defining it.")
-                        .arg(QLatin1String(kindText(table)), name));
         }
     }
     return names.last = known;
@@ -84,36 +74,38 @@ KcDbTypedValue ReadContext::typed(const Group& group)
 {
     switch (valueKind(group.code)) {
     case ValueKind::Real: {
-        const bool isPoint = (group.code >= 10 && group.code <= 18) || (group.code >= 110 && group.code <= 112)
-            || (group.code >= 210 && group.code <= 219) || (group.code >= 1010 && group.code <= 1013);
+        const bool isPoint = (group.code >= 10 && group.code <= 18)
+            || (group.code >= 110 && group.code <= 112) || (group.code >= 210 && group.code <= 219)
+            || (group.code >= 1010 && group.code <= 1013);
         if (isPoint)
-            return {group.code, KcGePoint3d {group.real(), 0.0, 0.0}};
-        return {group.code, group.real()};
+            return { group.code, KcGePoint3d{ group.real(), 0.0, 0.0 } };
+        return { group.code, group.real() };
     }
     case ValueKind::Int16:
     case ValueKind::Int32:
     case ValueKind::Int64:
     case ValueKind::Bool:
-        return {group.code, group.integer()};
+        return { group.code, group.integer() };
     case ValueKind::Handle:
-        return {group.code, handle(group)};
+        return { group.code, handle(group) };
     case ValueKind::Bytes: {
         const std::string bytes = group.bytes();
-        return {group.code, QByteArray(bytes.data(), qsizetype(bytes.size()))};
+        return { group.code, QByteArray(bytes.data(), qsizetype(bytes.size())) };
     }
     case ValueKind::Text:
         break;
     }
-    return {group.code, text(group)};
+    return { group.code, text(group) };
 }
 
 void ReadContext::finding(int number, KcDbHandle object, const QString& text)
 {
     if (reportsFindings)
-        database.addFinding({number, false, object, text});
+        database.addFinding({ number, false, object, text });
 }
 
-// Codecs --------------------------------------------------------------------------------------------------------------
+// Codecs
+// --------------------------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -163,14 +155,16 @@ const Codec* codecNamed(std::string_view fileName)
 const Codec* codecFor(const KcDbObject& object)
 {
     const Codecs& all = codecs();
-    // Objects of derived classes without a codec of their own (those of modules) are written as what they derive from.
+    // Objects of derived classes without a codec of their own (those of modules) are written as what they
+    // derive from.
     for (const KcRxClass* type = object.isA(); type; type = type->parent())
         if (const auto found = all.byType.find(type); found != all.byType.end())
             return found->second;
     return nullptr;
 }
 
-// Fields --------------------------------------------------------------------------------------------------------------
+// Fields
+// --------------------------------------------------------------------------------------------------------------
 
 FieldTable::FieldTable(std::vector<Field> fields)
     : m_fields(std::move(fields))
@@ -182,11 +176,12 @@ FieldTable::FieldTable(std::vector<Field> fields)
         const int components = f.type == FieldType::Point3 ? 3 : f.type == FieldType::Point2 ? 2 : 1;
         for (int c = 0; c < components; ++c)
             if (Slot& slot = m_index[size_t(f.code + 10 * c)]; slot.field == 0)
-                slot = {uint8_t(i + 1), uint8_t(c)};
+                slot = { uint8_t(i + 1), uint8_t(c) };
     }
 }
 
-void FieldTable::store(const Field& f, int component, std::byte* const* parts, const Group& g, ReadContext& context)
+void FieldTable::store(
+    const Field& f, int component, std::byte* const* parts, const Group& g, ReadContext& context)
 {
     std::byte* const at = parts[f.part] + f.offset;
     bool ok = true;
@@ -226,7 +221,8 @@ void FieldTable::store(const Field& f, int component, std::byte* const* parts, c
         break;
     }
     if (!ok)
-        context.finding(kFindingBadGroup, 0,
+        context.finding(
+            kFindingBadGroup, 0,
             QStringLiteral("Group %1 holds \"%2\", which is no number; it reads as 0.")
                 .arg(g.code)
                 .arg(QString::fromUtf8(g.value.data(), qsizetype(std::min<size_t>(g.value.size(), 40)))));
@@ -246,48 +242,48 @@ void FieldTable::write(const std::byte* const* parts, GroupList& out) const
         switch (f.type) {
         case FieldType::Real: {
             const double v = *reinterpret_cast<const double*>(at);
-            out.add({f.code, v, number(v)});
+            out.add({ f.code, v, number(v) });
             break;
         }
         case FieldType::Angle: {
             const double v = *reinterpret_cast<const double*>(at);
-            out.add({f.code, GroupList::degrees(v), number(v)});
+            out.add({ f.code, GroupList::degrees(v), number(v) });
             break;
         }
         case FieldType::Point3: {
             const auto* v = reinterpret_cast<const double*>(at);
-            const KcGePoint3d p {v[0], v[1], v[2]};
+            const KcGePoint3d p{ v[0], v[1], v[2] };
             out.point(f.code, p, f.optional && p == f.otherwisePoint);
             break;
         }
         case FieldType::Point2: {
             const auto* v = reinterpret_cast<const double*>(at);
-            out.point(f.code, KcGePoint2d {v[0], v[1]});
+            out.point(f.code, KcGePoint2d{ v[0], v[1] });
             break;
         }
         case FieldType::Int32: {
             const int v = *reinterpret_cast<const int*>(at);
-            out.add({f.code, int64_t(v), number(v)});
+            out.add({ f.code, int64_t(v), number(v) });
             break;
         }
         case FieldType::Int16: {
             const int16_t v = *reinterpret_cast<const int16_t*>(at);
-            out.add({f.code, int64_t(v), number(v)});
+            out.add({ f.code, int64_t(v), number(v) });
             break;
         }
         case FieldType::UInt32: {
             const uint32_t v = *reinterpret_cast<const uint32_t*>(at);
-            out.add({f.code, int64_t(int32_t(v)), number(v)});
+            out.add({ f.code, int64_t(int32_t(v)), number(v) });
             break;
         }
         case FieldType::Bool: {
             const bool v = *reinterpret_cast<const bool*>(at);
-            out.add({f.code, int64_t(v), number(v)});
+            out.add({ f.code, int64_t(v), number(v) });
             break;
         }
         case FieldType::Text: {
             const QString& v = *reinterpret_cast<const QString*>(at);
-            out.add({f.code, v, f.optional && v == QLatin1String(f.text)});
+            out.add({ f.code, v, f.optional && v == QLatin1String(f.text) });
             break;
         }
         case FieldType::Handle: {
@@ -298,7 +294,9 @@ void FieldTable::write(const std::byte* const* parts, GroupList& out) const
         case FieldType::Name: {
             const KcDbObjectId id = *reinterpret_cast<const KcDbObjectId*>(at);
             const QString name = id.isNull() ? QLatin1String(f.text) : kcdbRecordName(id);
-            out.name(f.code, name, f.optional && (id.isNull() || name.compare(QLatin1String(f.text), Qt::CaseInsensitive) == 0));
+            out.name(
+                f.code, name,
+                f.optional && (id.isNull() || name.compare(QLatin1String(f.text), Qt::CaseInsensitive) == 0));
             break;
         }
         case FieldType::Subclass:

@@ -1,5 +1,5 @@
-// Codecs: how each class of objects is read from groups and written to groups. A class with plain fields is a table of
-// (group code, member); a class with sequences adds functions of its own.
+// Codecs: how each class of objects is read from groups and written to groups. A class with plain fields is a
+// table of (group code, member); a class with sequences adds functions of its own.
 #pragma once
 
 #include "db/database.h"
@@ -8,8 +8,8 @@
 #include "dxf/group_list.h"
 #include "ge/matrix.h"
 
-#include <array>
 #include <any>
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -21,7 +21,8 @@ namespace dxf {
 /// The tables that names in groups refer to.
 enum class NameOf : uint8_t { Layer, Linetype, TextStyle, DimStyle, Block, RegApp };
 
-/// What reading needs apart from the groups: the drawing, the character set, names and handles resolved to ids.
+/// What reading needs apart from the groups: the drawing, the character set, names and handles resolved to
+/// ids.
 class ReadContext {
 public:
     ReadContext(KcDbDatabase& database, Strings& strings, KcDbVersion version);
@@ -32,10 +33,12 @@ public:
     bool reportsFindings = true; ///< false while an object is read a second time for comparison
 
     QString text(const Group& group) { return strings.decode(group.text()); }
-    /// The record of that name, made (as implicit) when the drawing does not define it. Null for an empty name.
+    /// The record of that name, made (as implicit) when the drawing does not define it. Null for an empty
+    /// name.
     KcDbObjectId named(NameOf table, const Group& group);
     KcDbObjectId handle(const Group& group) { return database.idForHandle(group.handle()); }
-    /// The value of extended data or of an extension record; points take their y and z from the groups that follow.
+    /// The value of extended data or of an extension record; points take their y and z from the groups that
+    /// follow.
     KcDbTypedValue typed(const Group& group);
     void finding(int number, KcDbHandle object, const QString& text);
 
@@ -72,8 +75,8 @@ public:
     const std::string& fileName() const { return m_fileName; }
     const KcRxClass* type() const { return m_type; }
     virtual std::unique_ptr<KcDbObject> create() const = 0;
-    /// Takes one group of the object's own classes (common groups of entities are read elsewhere). False when the class
-    /// does not know the group: it stays in the file as it is.
+    /// Takes one group of the object's own classes (common groups of entities are read elsewhere). False when
+    /// the class does not know the group: it stays in the file as it is.
     virtual bool read(KcDbObject& object, const Group& group, ReadState& state) const = 0;
     /// Called after the last group.
     virtual void finish(KcDbObject&, ReadState&) const { }
@@ -98,9 +101,23 @@ void registerTableRecordCodecs();
 void registerObjectCodecs();
 void registerTableCodecs();
 
-// Tables of fields ------------------------------------------------------------------------------------------------------
+// Tables of fields
+// ------------------------------------------------------------------------------------------------------
 
-enum class FieldType : uint8_t { Subclass, Real, Angle, Point3, Point2, Int32, Int16, UInt32, Bool, Text, Handle, Name };
+enum class FieldType : uint8_t {
+    Subclass,
+    Real,
+    Angle,
+    Point3,
+    Point2,
+    Int32,
+    Int16,
+    UInt32,
+    Bool,
+    Text,
+    Handle,
+    Name
+};
 
 struct Field {
     FieldType type = FieldType::Subclass;
@@ -129,7 +146,7 @@ struct Field {
         f.otherwisePoint = value;
         return f;
     }
-    Field unless(KcGeVector3d value) const { return unless(KcGePoint3d {value.x, value.y, value.z}); }
+    Field unless(KcGeVector3d value) const { return unless(KcGePoint3d{ value.x, value.y, value.z }); }
     Field unlessText(const char* value) const
     {
         Field f = *this;
@@ -223,14 +240,15 @@ public:
     void write(const std::byte* const* parts, GroupList& out) const;
 
 private:
-    static void store(const Field& f, int component, std::byte* const* parts, const Group& g, ReadContext& context);
+    static void
+    store(const Field& f, int component, std::byte* const* parts, const Group& g, ReadContext& context);
 
     struct Slot {
         uint8_t field = 0; ///< one more than the index
         uint8_t component = 0;
     };
     std::vector<Field> m_fields;
-    std::array<Slot, 512> m_index {};
+    std::array<Slot, 512> m_index{};
 };
 
 /// Codec of a class whose values are one struct reached by `data()`, plus what the optional functions add.
@@ -241,7 +259,8 @@ public:
     using Write = std::function<void(const T&, GroupList&)>;
     using Finish = std::function<void(T&, ReadState&)>;
 
-    FieldCodec(std::string fileName, std::vector<Field> fields, Read read = {}, Write write = {}, Finish finish = {})
+    FieldCodec(
+        std::string fileName, std::vector<Field> fields, Read read = {}, Write write = {}, Finish finish = {})
         : Codec(std::move(fileName), T::desc())
         , m_table(std::move(fields))
         , m_read(std::move(read))
@@ -256,7 +275,7 @@ public:
         T& t = static_cast<T&>(object);
         if (m_read && m_read(t, group, state))
             return true;
-        std::byte* const parts[2] = {first(t), second(t)};
+        std::byte* const parts[2] = { first(t), second(t) };
         return m_table.read(parts, group, state.context);
     }
     void finish(KcDbObject& object, ReadState& state) const override
@@ -267,7 +286,7 @@ public:
     void write(const KcDbObject& object, GroupList& out) const override
     {
         T& t = const_cast<T&>(static_cast<const T&>(object));
-        const std::byte* const parts[2] = {first(t), second(t)};
+        const std::byte* const parts[2] = { first(t), second(t) };
         m_table.write(parts, out);
         if (m_write)
             m_write(static_cast<const T&>(object), out);

@@ -13,8 +13,8 @@ struct Result {
     QStringList notes; ///< what the user should know of a success, such as a change of version
 };
 
-/// Reads a drawing into an empty database (`KcDbDatabase::Content::kEmpty`). What is odd but readable becomes findings
-/// of the database.
+/// Reads a drawing into an empty database (`KcDbDatabase::Content::kEmpty`). What is odd but readable becomes
+/// findings of the database.
 Result readDrawing(const QString& path, KcDbDatabase& database);
 /// The same from bytes in memory.
 Result readDrawing(std::string_view bytes, KcDbDatabase& database);

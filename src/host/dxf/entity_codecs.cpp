@@ -26,7 +26,8 @@ bool setComponent(KcGePoint3d& point, int component, const Group& group)
     return true;
 }
 
-// Simple curves ----------------------------------------------------------------------------------------------------------
+// Simple curves
+// ----------------------------------------------------------------------------------------------------------
 
 void registerCurves()
 {
@@ -34,45 +35,51 @@ void registerCurves()
         using D = KcDbLine::Data;
         add<KcDbLine>(
             "LINE",
-            std::vector<Field> {subclass("AcDbLine"), field(39, &D::thickness).unless(0.0), field(10, &D::start),
-                field(11, &D::end), field(210, &D::normal).unless(kZ)});
+            std::vector<Field>{ subclass("AcDbLine"), field(39, &D::thickness).unless(0.0),
+                                field(10, &D::start), field(11, &D::end),
+                                field(210, &D::normal).unless(kZ) });
     }
     {
         using D = KcDbCircle::Data;
         add<KcDbCircle>(
             "CIRCLE",
-            std::vector<Field> {subclass("AcDbCircle"), field(39, &D::thickness).unless(0.0), field(10, &D::center),
-                field(40, &D::radius), field(210, &D::normal).unless(kZ)});
+            std::vector<Field>{ subclass("AcDbCircle"), field(39, &D::thickness).unless(0.0),
+                                field(10, &D::center), field(40, &D::radius),
+                                field(210, &D::normal).unless(kZ) });
     }
     {
         using D = KcDbArc::Data;
         add<KcDbArc>(
             "ARC",
-            std::vector<Field> {subclass("AcDbCircle"), field(39, &D::thickness).unless(0.0), field(10, &D::center),
-                field(40, &D::radius), field(210, &D::normal).unless(kZ), subclass("AcDbArc"),
-                field(50, &D::startAngle).angle(), field(51, &D::endAngle).angle()});
+            std::vector<Field>{ subclass("AcDbCircle"), field(39, &D::thickness).unless(0.0),
+                                field(10, &D::center), field(40, &D::radius),
+                                field(210, &D::normal).unless(kZ), subclass("AcDbArc"),
+                                field(50, &D::startAngle).angle(), field(51, &D::endAngle).angle() });
     }
     {
         using D = KcDbEllipse::Data;
         add<KcDbEllipse>(
             "ELLIPSE",
-            std::vector<Field> {subclass("AcDbEllipse"), field(10, &D::center), field(11, &D::majorAxis),
-                field(210, &D::normal).unless(kZ), field(40, &D::radiusRatio), field(41, &D::startParam),
-                field(42, &D::endParam)});
+            std::vector<Field>{ subclass("AcDbEllipse"), field(10, &D::center), field(11, &D::majorAxis),
+                                field(210, &D::normal).unless(kZ), field(40, &D::radiusRatio),
+                                field(41, &D::startParam), field(42, &D::endParam) });
     }
     {
         using D = KcDbXline::Data;
         add<KcDbXline>(
-            "XLINE", std::vector<Field> {subclass("AcDbXline"), field(10, &D::basePoint), field(11, &D::unitDir)});
+            "XLINE",
+            std::vector<Field>{ subclass("AcDbXline"), field(10, &D::basePoint), field(11, &D::unitDir) });
         add<KcDbRay>(
-            "RAY", std::vector<Field> {subclass("AcDbRay"), field(10, &D::basePoint), field(11, &D::unitDir)});
+            "RAY",
+            std::vector<Field>{ subclass("AcDbRay"), field(10, &D::basePoint), field(11, &D::unitDir) });
     }
     {
         using D = KcDbPoint::Data;
         add<KcDbPoint>(
             "POINT",
-            std::vector<Field> {subclass("AcDbPoint"), field(10, &D::position), field(39, &D::thickness).unless(0.0),
-                field(210, &D::normal).unless(kZ), field(50, &D::xAngle).angle().unless(0.0)});
+            std::vector<Field>{ subclass("AcDbPoint"), field(10, &D::position),
+                                field(39, &D::thickness).unless(0.0), field(210, &D::normal).unless(kZ),
+                                field(50, &D::xAngle).angle().unless(0.0) });
     }
 }
 
@@ -101,11 +108,12 @@ void registerFilled()
         out.point(210, solid.data().normal, solid.data().normal == kZ);
     };
     using D = KcDbSolid::Data;
-    const std::vector<Field> fields {field(39, &D::thickness), field(210, &D::normal)};
+    const std::vector<Field> fields{ field(39, &D::thickness), field(210, &D::normal) };
     // The table only reads: the corners stand before the other fields.
     class SolidCodec : public Codec {
     public:
-        SolidCodec(const char* name, const KcRxClass* type, bool trace, FieldTable table,
+        SolidCodec(
+            const char* name, const KcRxClass* type, bool trace, FieldTable table,
             std::function<void(const KcDbSolid&, GroupList&)> write)
             : Codec(name, type)
             , m_trace(trace)
@@ -122,7 +130,7 @@ void registerFilled()
         bool read(KcDbObject& object, const Group& group, ReadState& state) const override
         {
             auto& solid = static_cast<KcDbSolid&>(object);
-            std::byte* const parts[1] = {reinterpret_cast<std::byte*>(&solid.data())};
+            std::byte* const parts[1] = { reinterpret_cast<std::byte*>(&solid.data()) };
             return readCorners(solid, group, state) || m_table.read(parts, group, state.context);
         }
         void write(const KcDbObject& object, GroupList& out) const override
@@ -135,17 +143,20 @@ void registerFilled()
         FieldTable m_table;
         std::function<void(const KcDbSolid&, GroupList&)> m_write;
     };
-    registerCodec(std::make_unique<SolidCodec>("SOLID", KcDbSolid::desc(), false, FieldTable(fields), writeSolid));
-    registerCodec(std::make_unique<SolidCodec>("TRACE", KcDbTrace::desc(), true, FieldTable(fields), writeSolid));
+    registerCodec(
+        std::make_unique<SolidCodec>("SOLID", KcDbSolid::desc(), false, FieldTable(fields), writeSolid));
+    registerCodec(
+        std::make_unique<SolidCodec>("TRACE", KcDbTrace::desc(), true, FieldTable(fields), writeSolid));
 
     using F = KcDbFace::Data;
     add<KcDbFace>(
-        "3DFACE", std::vector<Field> {subclass("AcDbFace"), field(70, &F::hiddenEdges).unless(0.0)},
+        "3DFACE", std::vector<Field>{ subclass("AcDbFace"), field(70, &F::hiddenEdges).unless(0.0) },
         [](KcDbFace& face, const Group& group, ReadState& state) { return readCorners(face, group, state); },
         [](const KcDbFace& face, GroupList& out) { writeCorners(face, out); });
 }
 
-// Splines ----------------------------------------------------------------------------------------------------------------
+// Splines
+// ----------------------------------------------------------------------------------------------------------------
 
 bool readSpline(KcDbSpline& spline, const Group& group, ReadState&)
 {
@@ -155,13 +166,19 @@ bool readSpline(KcDbSpline& spline, const Group& group, ReadState&)
     case 22:
     case 32:
         d.hasStartTangent = true;
-        (group.code == 12 ? d.startTangent.x : group.code == 22 ? d.startTangent.y : d.startTangent.z) = group.real();
+        (group.code == 12       ? d.startTangent.x
+             : group.code == 22 ? d.startTangent.y
+                                : d.startTangent.z)
+            = group.real();
         return true;
     case 13:
     case 23:
     case 33:
         d.hasEndTangent = true;
-        (group.code == 13 ? d.endTangent.x : group.code == 23 ? d.endTangent.y : d.endTangent.z) = group.real();
+        (group.code == 13       ? d.endTangent.x
+             : group.code == 23 ? d.endTangent.y
+                                : d.endTangent.z)
+            = group.real();
         return true;
     case 40:
         d.knots.push_back(group.real());
@@ -174,13 +191,13 @@ bool readSpline(KcDbSpline& spline, const Group& group, ReadState&)
     case 74:
         return true; // counts: the lists tell
     case 10:
-        d.controlPoints.push_back({group.real(), 0, 0});
+        d.controlPoints.push_back({ group.real(), 0, 0 });
         return true;
     case 20:
     case 30:
         return !d.controlPoints.empty() && setComponent(d.controlPoints.back(), group.code / 10 - 1, group);
     case 11:
-        d.fitPoints.push_back({group.real(), 0, 0});
+        d.fitPoints.push_back({ group.real(), 0, 0 });
         return true;
     case 21:
     case 31:
@@ -230,19 +247,21 @@ void registerSpline()
     };
     registerCodec(std::make_unique<SplineCodec>(
         "SPLINE",
-        std::vector<Field> {field(210, &D::normal), field(70, &D::flags), field(71, &D::degree),
-            field(42, &D::knotTolerance), field(43, &D::controlTolerance), field(44, &D::fitTolerance)},
+        std::vector<Field>{ field(210, &D::normal), field(70, &D::flags), field(71, &D::degree),
+                            field(42, &D::knotTolerance), field(43, &D::controlTolerance),
+                            field(44, &D::fitTolerance) },
         readSpline));
 }
 
-// Polylines --------------------------------------------------------------------------------------------------------------
+// Polylines
+// --------------------------------------------------------------------------------------------------------------
 
 bool readLightPolyline(KcDbPolyline& polyline, const Group& group, ReadState&)
 {
     std::vector<KcDbPolyline::Vertex>& vertices = polyline.data().vertices;
     switch (group.code) {
     case 10:
-        vertices.push_back({group.real(), 0.0});
+        vertices.push_back({ group.real(), 0.0 });
         return true;
     case 20:
         if (!vertices.empty())
@@ -282,7 +301,7 @@ void writeLightPolyline(const KcDbPolyline& polyline, GroupList& out)
     out.real(38, d.elevation, 0.0);
     out.real(39, d.thickness, 0.0);
     for (const KcDbPolyline::Vertex& v : d.vertices) {
-        out.point(10, KcGePoint2d {v.x, v.y});
+        out.point(10, KcGePoint2d{ v.x, v.y });
         out.real(40, v.startWidth, 0.0);
         out.real(41, v.endWidth, 0.0);
         out.real(42, v.bulge, 0.0);
@@ -304,8 +323,8 @@ void registerPolylines()
         };
         registerCodec(std::make_unique<LightCodec>(
             "LWPOLYLINE",
-            std::vector<Field> {field(70, &D::flags), field(43, &D::constantWidth), field(38, &D::elevation),
-                field(39, &D::thickness), field(210, &D::normal)},
+            std::vector<Field>{ field(70, &D::flags), field(43, &D::constantWidth), field(38, &D::elevation),
+                                field(39, &D::thickness), field(210, &D::normal) },
             readLightPolyline));
     }
     {
@@ -317,13 +336,14 @@ void registerPolylines()
             {
                 const auto& polyline = static_cast<const KcDb2dPolyline&>(object);
                 const KcDb2dPolyline::Data& d = polyline.data();
-                out.subclass(d.flags & 64 ? "AcDbPolyFaceMesh"
-                        : d.flags & 16    ? "AcDbPolygonMesh"
-                        : d.flags & 8     ? "AcDb3dPolyline"
-                                          : "AcDb2dPolyline");
+                out.subclass(
+                    d.flags & 64       ? "AcDbPolyFaceMesh"
+                        : d.flags & 16 ? "AcDbPolygonMesh"
+                        : d.flags & 8  ? "AcDb3dPolyline"
+                                       : "AcDb2dPolyline");
                 if (out.isR12())
                     out.integer(66, 1);
-                out.point(10, KcGePoint3d {0, 0, d.elevation});
+                out.point(10, KcGePoint3d{ 0, 0, d.elevation });
                 out.real(39, d.thickness, 0.0);
                 out.integer(70, d.flags, 0);
                 out.real(40, d.startWidth, 0.0);
@@ -338,9 +358,10 @@ void registerPolylines()
         };
         registerCodec(std::make_unique<OldCodec>(
             "POLYLINE",
-            std::vector<Field> {field(30, &D::elevation), field(39, &D::thickness), field(70, &D::flags),
-                field(40, &D::startWidth), field(41, &D::endWidth), field(71, &D::countM), field(72, &D::countN),
-                field(73, &D::densityM), field(74, &D::densityN), field(75, &D::curveType), field(210, &D::normal)},
+            std::vector<Field>{ field(30, &D::elevation), field(39, &D::thickness), field(70, &D::flags),
+                                field(40, &D::startWidth), field(41, &D::endWidth), field(71, &D::countM),
+                                field(72, &D::countN), field(73, &D::densityM), field(74, &D::densityN),
+                                field(75, &D::curveType), field(210, &D::normal) },
             [](KcDb2dPolyline&, const Group& group, ReadState&) {
                 return group.code == 10 || group.code == 20 || group.code == 66; // always 0, 0, 1
             }));
@@ -354,9 +375,10 @@ void registerPolylines()
             {
                 const KcDbVertex::Data& d = static_cast<const KcDbVertex&>(object).data();
                 out.subclass("AcDbVertex");
-                out.subclass(d.flags & 64 ? "AcDbPolyFaceMeshVertex"
-                        : d.flags & 32    ? "AcDb3dPolylineVertex"
-                                          : "AcDb2dVertex");
+                out.subclass(
+                    d.flags & 64       ? "AcDbPolyFaceMeshVertex"
+                        : d.flags & 32 ? "AcDb3dPolylineVertex"
+                                       : "AcDb2dVertex");
                 out.point(10, d.position);
                 out.real(40, d.startWidth, -1.0);
                 out.real(41, d.endWidth, -1.0);
@@ -367,22 +389,32 @@ void registerPolylines()
         };
         registerCodec(std::make_unique<VertexCodec>(
             "VERTEX",
-            std::vector<Field> {field(10, &D::position), field(40, &D::startWidth), field(41, &D::endWidth),
-                field(42, &D::bulge), field(70, &D::flags), field(50, &D::tangent).angle()}));
+            std::vector<Field>{ field(10, &D::position), field(40, &D::startWidth), field(41, &D::endWidth),
+                                field(42, &D::bulge), field(70, &D::flags),
+                                field(50, &D::tangent).angle() }));
     }
-    registerCodec(std::make_unique<FieldCodec<KcDbSequenceEnd>>("SEQEND", std::vector<Field> {}));
+    registerCodec(std::make_unique<FieldCodec<KcDbSequenceEnd>>("SEQEND", std::vector<Field>{}));
 }
 
-// Texts ------------------------------------------------------------------------------------------------------------------
+// Texts
+// ------------------------------------------------------------------------------------------------------------------
 
-// The fields that texts, attributes and attribute definitions share, in the order in which programs write them.
+// The fields that texts, attributes and attribute definitions share, in the order in which programs write
+// them.
 std::vector<Field> textFields()
 {
     using D = KcDbTextData;
-    return {subclass("AcDbText"), field(39, &D::thickness).unless(0.0), field(10, &D::position), field(40, &D::height),
-        field(1, &D::text), field(50, &D::rotation).angle().unless(0.0), field(41, &D::widthFactor).unless(1.0),
-        field(51, &D::oblique).angle().unless(0.0), field(7, &D::style).name(NameOf::TextStyle).unlessText("Standard"),
-        field(71, &D::generation).unless(0.0), field(72, &D::horizontal).unless(0.0)};
+    return { subclass("AcDbText"),
+             field(39, &D::thickness).unless(0.0),
+             field(10, &D::position),
+             field(40, &D::height),
+             field(1, &D::text),
+             field(50, &D::rotation).angle().unless(0.0),
+             field(41, &D::widthFactor).unless(1.0),
+             field(51, &D::oblique).angle().unless(0.0),
+             field(7, &D::style).name(NameOf::TextStyle).unlessText("Standard"),
+             field(71, &D::generation).unless(0.0),
+             field(72, &D::horizontal).unless(0.0) };
 }
 
 // The vertical justification stands behind another class mark, under a code that depends on the kind.
@@ -406,7 +438,7 @@ template <class T> bool readAlignment(T& text, const Group& group)
 
 void writeAlignment(const KcDbTextData& d, GroupList& out)
 {
-    const bool isDefault = d.horizontal == 0 && d.vertical == 0 && d.alignment == KcGePoint3d {};
+    const bool isDefault = d.horizontal == 0 && d.vertical == 0 && d.alignment == KcGePoint3d{};
     out.point(11, d.alignment, isDefault);
     out.point(210, d.normal, d.normal == kZ);
 }
@@ -469,13 +501,13 @@ void registerTexts()
         bool read(KcDbObject& object, const Group& group, ReadState& state) const override
         {
             auto& text = static_cast<KcDbText&>(object);
-            std::byte* const parts[1] = {reinterpret_cast<std::byte*>(&text.data())};
+            std::byte* const parts[1] = { reinterpret_cast<std::byte*>(&text.data()) };
             return readAlignment(text, group) || m_read.read(parts, group, state.context);
         }
         void write(const KcDbObject& object, GroupList& out) const override
         {
             const auto& text = static_cast<const KcDbText&>(object);
-            const std::byte* const parts[1] = {reinterpret_cast<const std::byte*>(&text.data())};
+            const std::byte* const parts[1] = { reinterpret_cast<const std::byte*>(&text.data()) };
             m_write.write(parts, out);
             writeAlignment(text.data(), out);
             out.subclass("AcDbText");
@@ -491,7 +523,8 @@ void registerTexts()
     class AttributeCodec : public Codec {
     public:
         explicit AttributeCodec(bool definition)
-            : Codec(definition ? "ATTDEF" : "ATTRIB",
+            : Codec(
+                definition ? "ATTDEF" : "ATTRIB",
                 definition ? KcDbAttributeDefinition::desc() : KcDbAttribute::desc())
             , m_definition(definition)
             , m_text([] {
@@ -518,13 +551,13 @@ void registerTexts()
             if (m_definition ? readOwn(static_cast<KcDbAttributeDefinition&>(object), group, state)
                              : readOwn(static_cast<KcDbAttribute&>(object), group, state))
                 return true;
-            std::byte* const parts[1] = {reinterpret_cast<std::byte*>(&text.data())};
+            std::byte* const parts[1] = { reinterpret_cast<std::byte*>(&text.data()) };
             return readAlignment(text, group) || m_text.read(parts, group, state.context);
         }
         void write(const KcDbObject& object, GroupList& out) const override
         {
             const auto& text = static_cast<const KcDbText&>(object);
-            const std::byte* const parts[1] = {reinterpret_cast<const std::byte*>(&text.data())};
+            const std::byte* const parts[1] = { reinterpret_cast<const std::byte*>(&text.data()) };
             m_write.write(parts, out);
             writeAlignment(text.data(), out);
             if (m_definition) {
@@ -625,7 +658,8 @@ void registerMText()
         bool read(KcDbObject& object, const Group& group, ReadState& state) const override
         {
             // Columns and other later classes stand in data behind marks of their own.
-            return (state.subclass == "" || state.subclass == "AcDbMText") && FieldCodec::read(object, group, state);
+            return (state.subclass == "" || state.subclass == "AcDbMText")
+                && FieldCodec::read(object, group, state);
         }
         void write(const KcDbObject& object, GroupList& out) const override
         {
@@ -634,15 +668,17 @@ void registerMText()
     };
     registerCodec(std::make_unique<MTextCodec>(
         "MTEXT",
-        std::vector<Field> {field(10, &D::location), field(40, &D::height), field(41, &D::width),
-            field(46, &D::definedHeight), field(71, &D::attachment), field(72, &D::flow),
-            field(7, &D::style).name(NameOf::TextStyle), field(210, &D::normal), field(42, &D::actualWidth),
-            field(43, &D::actualHeight), field(73, &D::lineSpacingStyle), field(44, &D::lineSpacingFactor),
-            field(90, &D::fillMode), field(63, &D::fillColor), field(45, &D::fillFactor)},
+        std::vector<Field>{ field(10, &D::location), field(40, &D::height), field(41, &D::width),
+                            field(46, &D::definedHeight), field(71, &D::attachment), field(72, &D::flow),
+                            field(7, &D::style).name(NameOf::TextStyle), field(210, &D::normal),
+                            field(42, &D::actualWidth), field(43, &D::actualHeight),
+                            field(73, &D::lineSpacingStyle), field(44, &D::lineSpacingFactor),
+                            field(90, &D::fillMode), field(63, &D::fillColor), field(45, &D::fillFactor) },
         readMText));
 }
 
-// Block references -------------------------------------------------------------------------------------------------------
+// Block references
+// -------------------------------------------------------------------------------------------------------
 
 bool readInsert(KcDbBlockReference& reference, const Group& group, ReadState&)
 {
@@ -701,8 +737,8 @@ void registerInsert()
     public:
         InsertCodec()
             : Codec("INSERT", KcDbBlockReference::desc())
-            , m_table({field(2, &D::block).name(NameOf::Block), field(10, &D::position), field(50, &D::rotation).angle(),
-                  field(210, &D::normal)})
+            , m_table({ field(2, &D::block).name(NameOf::Block), field(10, &D::position),
+                        field(50, &D::rotation).angle(), field(210, &D::normal) })
         {
         }
         std::unique_ptr<KcDbObject> create() const override { return std::make_unique<KcDbBlockReference>(); }
@@ -722,7 +758,7 @@ void registerInsert()
             default:
                 break;
             }
-            std::byte* const parts[1] = {reinterpret_cast<std::byte*>(&reference.data())};
+            std::byte* const parts[1] = { reinterpret_cast<std::byte*>(&reference.data()) };
             return m_table.read(parts, group, state.context) || readInsert(reference, group, state);
         }
         void write(const KcDbObject& object, GroupList& out) const override
@@ -753,13 +789,15 @@ void registerInsert()
     };
     registerCodec(std::make_unique<BlockCodec>(
         "BLOCK",
-        std::vector<Field> {field(2, &B::name), field(70, &B::flags), field(10, &B::origin), field(1, &B::xrefPath),
-            field(4, &B::description)},
+        std::vector<Field>{ field(2, &B::name), field(70, &B::flags), field(10, &B::origin),
+                            field(1, &B::xrefPath), field(4, &B::description) },
         [](KcDbBlockBegin&, const Group& group, ReadState&) { return group.code == 3; }));
-    registerCodec(std::make_unique<FieldCodec<KcDbBlockEnd>>("ENDBLK", std::vector<Field> {subclass("AcDbBlockEnd")}));
+    registerCodec(
+        std::make_unique<FieldCodec<KcDbBlockEnd>>("ENDBLK", std::vector<Field>{ subclass("AcDbBlockEnd") }));
 }
 
-// Leaders, viewports, wipeouts -------------------------------------------------------------------------------------------
+// Leaders, viewports, wipeouts
+// -------------------------------------------------------------------------------------------
 
 void registerLeader()
 {
@@ -792,17 +830,18 @@ void registerLeader()
     };
     registerCodec(std::make_unique<LeaderCodec>(
         "LEADER",
-        std::vector<Field> {field(3, &D::dimStyle).name(NameOf::DimStyle), field(71, &D::hasArrowHead),
-            field(72, &D::isSplined), field(73, &D::annotationType), field(74, &D::hookLineDirection),
-            field(75, &D::hasHookLine), field(40, &D::textHeight), field(41, &D::textWidth), field(77, &D::color),
-            field(340, &D::annotation), field(210, &D::normal), field(211, &D::horizontal),
-            field(212, &D::blockOffset), field(213, &D::annotationOffset)},
+        std::vector<Field>{ field(3, &D::dimStyle).name(NameOf::DimStyle), field(71, &D::hasArrowHead),
+                            field(72, &D::isSplined), field(73, &D::annotationType),
+                            field(74, &D::hookLineDirection), field(75, &D::hasHookLine),
+                            field(40, &D::textHeight), field(41, &D::textWidth), field(77, &D::color),
+                            field(340, &D::annotation), field(210, &D::normal), field(211, &D::horizontal),
+                            field(212, &D::blockOffset), field(213, &D::annotationOffset) },
         [](KcDbLeader& leader, const Group& group, ReadState&) {
             std::vector<KcGePoint3d>& vertices = leader.data().vertices;
             if (group.code == 76)
                 return true;
             if (group.code == 10) {
-                vertices.push_back({group.real(), 0, 0});
+                vertices.push_back({ group.real(), 0, 0 });
                 return true;
             }
             return (group.code == 20 || group.code == 30) && !vertices.empty()
@@ -815,10 +854,11 @@ void registerViewport()
     using D = KcDbViewport::Data;
     add<KcDbViewport>(
         "VIEWPORT",
-        std::vector<Field> {subclass("AcDbViewport"), field(10, &D::center), field(40, &D::width),
-            field(41, &D::height), field(68, &D::status), field(69, &D::number), field(12, &D::viewCenter),
-            field(16, &D::viewDirection), field(17, &D::viewTarget), field(45, &D::viewHeight),
-            field(51, &D::viewTwist).angle(), field(90, &D::viewFlags)});
+        std::vector<Field>{ subclass("AcDbViewport"), field(10, &D::center), field(40, &D::width),
+                            field(41, &D::height), field(68, &D::status), field(69, &D::number),
+                            field(12, &D::viewCenter), field(16, &D::viewDirection),
+                            field(17, &D::viewTarget), field(45, &D::viewHeight),
+                            field(51, &D::viewTwist).angle(), field(90, &D::viewFlags) });
 }
 
 void registerWipeout()
@@ -851,17 +891,18 @@ void registerWipeout()
     };
     registerCodec(std::make_unique<WipeoutCodec>(
         "WIPEOUT",
-        std::vector<Field> {field(90, &D::classVersion), field(10, &D::origin), field(11, &D::uVector),
-            field(12, &D::vVector), field(13, &D::imageSize), field(340, &D::imageDefinition),
-            field(70, &D::displayFlags), field(280, &D::clipping), field(281, &D::brightness),
-            field(282, &D::contrast), field(283, &D::fade), field(360, &D::imageReactor), field(71, &D::clipType)},
+        std::vector<Field>{ field(90, &D::classVersion), field(10, &D::origin), field(11, &D::uVector),
+                            field(12, &D::vVector), field(13, &D::imageSize), field(340, &D::imageDefinition),
+                            field(70, &D::displayFlags), field(280, &D::clipping), field(281, &D::brightness),
+                            field(282, &D::contrast), field(283, &D::fade), field(360, &D::imageReactor),
+                            field(71, &D::clipType) },
         [](KcDbWipeout& wipeout, const Group& group, ReadState&) {
             std::vector<KcGePoint2d>& clip = wipeout.data().clip;
             switch (group.code) {
             case 91:
                 return true;
             case 14:
-                clip.push_back({group.real(), 0});
+                clip.push_back({ group.real(), 0 });
                 return true;
             case 24:
                 if (!clip.empty())

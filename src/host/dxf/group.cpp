@@ -16,7 +16,7 @@ constexpr int kCodes = 1072;
 
 constexpr std::array<ValueKind, kCodes> makeKinds()
 {
-    std::array<ValueKind, kCodes> kinds {};
+    std::array<ValueKind, kCodes> kinds{};
     const auto range = [&](int from, int to, ValueKind kind) {
         for (int code = from; code <= to; ++code)
             kinds[size_t(code)] = kind;
@@ -56,7 +56,7 @@ template <class T> T fromBytes(std::string_view bytes)
 {
     // Binary files are little-endian, like every machine this runs on.
     static_assert(std::endian::native == std::endian::little);
-    T value {};
+    T value{};
     if (bytes.size() >= sizeof value)
         std::memcpy(&value, bytes.data(), sizeof value);
     return value;
@@ -64,8 +64,8 @@ template <class T> T fromBytes(std::string_view bytes)
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14,
-    1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr double kPowersOfTen[] = { 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22 };
 
 double parseAnyReal(const char* p, const char* end, bool* ok)
 {
@@ -84,7 +84,8 @@ double parseAnyReal(const char* p, const char* end, bool* ok)
     }
     if (ok)
         *ok = error != std::errc::invalid_argument && std::isfinite(value)
-            && std::string_view(rest, size_t(end - rest)).find_first_not_of(kBlanks) == std::string_view::npos;
+            && std::string_view(rest, size_t(end - rest)).find_first_not_of(kBlanks)
+                == std::string_view::npos;
     return std::isfinite(value) ? value : 0.0;
 }
 
@@ -101,8 +102,9 @@ double parseReal(std::string_view text, bool* ok)
     const char* const end = p + text.size();
     while (p != end && (*p == ' ' || *p == '\t'))
         ++p;
-    // Plain decimals of up to 15 digits: mantissa and power of ten are exact doubles, so one division rounds correctly
-    // (W. D. Clinger, "How to read floating point numbers accurately", 1990). Everything else goes the general way.
+    // Plain decimals of up to 15 digits: mantissa and power of ten are exact doubles, so one division rounds
+    // correctly (W. D. Clinger, "How to read floating point numbers accurately", 1990). Everything else goes
+    // the general way.
     const char* s = p;
     const bool negative = s != end && *s == '-';
     if (negative)
@@ -237,7 +239,10 @@ std::string Group::bytes() const
     const std::string_view digits = trimmed();
     result.reserve(digits.size() / 2);
     const auto digit = [](char c) {
-        return c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10 : c >= 'a' && c <= 'f' ? c - 'a' + 10 : 0;
+        return c >= '0' && c <= '9' ? c - '0'
+            : c >= 'A' && c <= 'F'  ? c - 'A' + 10
+            : c >= 'a' && c <= 'f'  ? c - 'a' + 10
+                                    : 0;
     };
     for (size_t i = 0; i + 1 < digits.size(); i += 2)
         result.push_back(char(digit(digits[i]) << 4 | digit(digits[i + 1])));
@@ -272,7 +277,8 @@ std::string GroupCursor::where(const char* place) const
 bool GroupCursor::badCode(const char* begin, const char* end)
 {
     // Blank lines after the last group are no harm.
-    if (std::string_view(m_next, size_t(m_end - m_next)).find_first_not_of(" \t\r\n\x1a") == std::string_view::npos) {
+    if (std::string_view(m_next, size_t(m_end - m_next)).find_first_not_of(" \t\r\n\x1a")
+        == std::string_view::npos) {
         m_next = m_end;
         return false;
     }
@@ -307,12 +313,12 @@ bool GroupCursor::nextBinary(Group& group)
         group.code = static_cast<unsigned char>(*p++);
         if (group.code == 255) { // extended data: the code follows in two bytes
             need(2);
-            group.code = fromBytes<uint16_t>({p, 2});
+            group.code = fromBytes<uint16_t>({ p, 2 });
             p += 2;
         }
     } else {
         need(2);
-        group.code = fromBytes<int16_t>({p, 2});
+        group.code = fromBytes<int16_t>({ p, 2 });
         p += 2;
     }
     if (group.code < 0 || group.code >= kCodes)

@@ -1,5 +1,5 @@
-// Groups, the atoms of a drawing file: a code that tells the meaning, and a value. The cursor walks the groups of a file
-// held in memory, in text or binary form, without copying or allocating.
+// Groups, the atoms of a drawing file: a code that tells the meaning, and a value. The cursor walks the
+// groups of a file held in memory, in text or binary form, without copying or allocating.
 #pragma once
 
 #include <cstdint>
@@ -122,7 +122,8 @@ private:
 /// Reads a real number in the notation of drawing files. Exact (correctly rounded) for every input.
 double parseReal(std::string_view text, bool* ok = nullptr);
 
-/// True when the bytes begin with the signature of binary drawing files: 22 bytes, of which the last 14 are tested.
+/// True when the bytes begin with the signature of binary drawing files: 22 bytes, of which the last 14 are
+/// tested.
 bool isBinary(std::string_view bytes);
 inline constexpr size_t kBinarySignatureSize = 22;
 

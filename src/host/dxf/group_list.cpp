@@ -9,7 +9,8 @@ namespace dxf {
 
 namespace {
 
-constexpr double kRelativeEqual = 1e-14; // angles pass through radians and back: a few units in the last place
+constexpr double kRelativeEqual
+    = 1e-14; // angles pass through radians and back: a few units in the last place
 
 bool equalReals(double a, double b)
 {
@@ -79,7 +80,7 @@ void GroupList::typed(const KcDbTypedValue& v)
             else if constexpr (std::is_same_v<T, KcDbObjectId>)
                 handle(v.code, value);
             else
-                add({v.code, value});
+                add({ v.code, value });
         },
         v.value);
 }
@@ -110,7 +111,8 @@ std::string formatReal(double value)
     return text;
 }
 
-void appendGroup(std::string& out, const OutGroup& group, Form form, const Strings& strings, const char* lineEnd)
+void appendGroup(
+    std::string& out, const OutGroup& group, Form form, const Strings& strings, const char* lineEnd)
 {
     if (const auto* bytes = std::get_if<QByteArray>(&group.value)) {
         // Long data is cut into chunks, each a group of its own.
@@ -162,27 +164,27 @@ OutGroup toOutGroup(const Group& group, Strings& strings)
 {
     switch (valueKind(group.code)) {
     case ValueKind::Real:
-        return {group.code, group.real()};
+        return { group.code, group.real() };
     case ValueKind::Int16:
     case ValueKind::Int32:
     case ValueKind::Int64:
     case ValueKind::Bool:
-        return {group.code, group.integer()};
+        return { group.code, group.integer() };
     case ValueKind::Handle: {
         bool ok = false;
         const uint64_t handle = group.handle(&ok);
         if (ok)
-            return {group.code, HandleValue {handle}};
+            return { group.code, HandleValue{ handle } };
         break;
     }
     case ValueKind::Bytes: {
         const std::string bytes = group.bytes();
-        return {group.code, QByteArray(bytes.data(), qsizetype(bytes.size()))};
+        return { group.code, QByteArray(bytes.data(), qsizetype(bytes.size())) };
     }
     case ValueKind::Text:
         break;
     }
-    return {group.code, strings.decode(group.text())};
+    return { group.code, strings.decode(group.text()) };
 }
 
 } // namespace dxf

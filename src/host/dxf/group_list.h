@@ -48,33 +48,45 @@ public:
         if (!isR12())
             text(100, QLatin1String(name));
     }
-    void text(int code, const QString& value) { add({code, value}); }
-    void text(int code, const QString& value, const QString& otherwise) { add({code, value, value == otherwise}); }
-    void name(int code, const QString& value, bool isDefault = false) { add({code, value, isDefault, true}); }
-    void integer(int code, int64_t value) { add({code, value}); }
-    void integer(int code, int64_t value, int64_t otherwise) { add({code, value, value == otherwise}); }
-    void real(int code, double value) { add({code, value}); }
-    void real(int code, double value, double otherwise) { add({code, value, value == otherwise}); }
+    void text(int code, const QString& value) { add({ code, value }); }
+    void text(int code, const QString& value, const QString& otherwise)
+    {
+        add({ code, value, value == otherwise });
+    }
+    void name(int code, const QString& value, bool isDefault = false)
+    {
+        add({ code, value, isDefault, true });
+    }
+    void integer(int code, int64_t value) { add({ code, value }); }
+    void integer(int code, int64_t value, int64_t otherwise) { add({ code, value, value == otherwise }); }
+    void real(int code, double value) { add({ code, value }); }
+    void real(int code, double value, double otherwise) { add({ code, value, value == otherwise }); }
     /// Angles are radians here and degrees in files.
-    void angle(int code, double radians) { add({code, degrees(radians)}); }
-    void angle(int code, double radians, double otherwise) { add({code, degrees(radians), radians == otherwise}); }
-    void handle(int code, KcDbHandle value) { add({code, HandleValue {value}}); }
+    void angle(int code, double radians) { add({ code, degrees(radians) }); }
+    void angle(int code, double radians, double otherwise)
+    {
+        add({ code, degrees(radians), radians == otherwise });
+    }
+    void handle(int code, KcDbHandle value) { add({ code, HandleValue{ value } }); }
     void handle(int code, KcDbObjectId id, bool isDefault = false)
     {
-        add({code, HandleValue {id.handle()}, isDefault});
+        add({ code, HandleValue{ id.handle() }, isDefault });
     }
-    void bytes(int code, const QByteArray& value) { add({code, value}); }
+    void bytes(int code, const QByteArray& value) { add({ code, value }); }
     void point(int code, KcGePoint3d p, bool isDefault = false)
     {
-        add({code, p.x, isDefault});
-        add({code + 10, p.y, isDefault});
-        add({code + 20, p.z, isDefault});
+        add({ code, p.x, isDefault });
+        add({ code + 10, p.y, isDefault });
+        add({ code + 20, p.z, isDefault });
     }
-    void point(int code, KcGeVector3d v, bool isDefault = false) { point(code, KcGePoint3d {v.x, v.y, v.z}, isDefault); }
+    void point(int code, KcGeVector3d v, bool isDefault = false)
+    {
+        point(code, KcGePoint3d{ v.x, v.y, v.z }, isDefault);
+    }
     void point(int code, KcGePoint2d p, bool isDefault = false)
     {
-        add({code, p.x, isDefault});
-        add({code + 10, p.y, isDefault});
+        add({ code, p.x, isDefault });
+        add({ code + 10, p.y, isDefault });
     }
     /// A value of extended data or of an extension record.
     void typed(const KcDbTypedValue& value);
@@ -93,7 +105,8 @@ private:
 };
 
 /// The bytes of a group in the form and character set of a file.
-void appendGroup(std::string& out, const OutGroup& group, Form form, const Strings& strings, const char* lineEnd);
+void appendGroup(
+    std::string& out, const OutGroup& group, Form form, const Strings& strings, const char* lineEnd);
 /// The value as a text file holds it; reals in the fewest digits that read back the same.
 std::string formatReal(double value);
 /// A group of a file as a value to compare with.

@@ -1,4 +1,5 @@
-// Codec of hatches: loops of edges, pattern lines and seeds are sequences whose meaning depends on what came before.
+// Codec of hatches: loops of edges, pattern lines and seeds are sequences whose meaning depends on what came
+// before.
 
 #include "db/hatch.h"
 #include "dxf/codec.h"
@@ -22,16 +23,16 @@ bool readEdge(KcDbHatch::Loop& loop, HatchState& state, const Group& g)
         state.edgeType = int(g.integer());
         switch (state.edgeType) {
         case 1:
-            loop.edges.emplace_back(KcDbHatch::LineEdge {});
+            loop.edges.emplace_back(KcDbHatch::LineEdge{});
             return true;
         case 2:
-            loop.edges.emplace_back(KcDbHatch::ArcEdge {});
+            loop.edges.emplace_back(KcDbHatch::ArcEdge{});
             return true;
         case 3:
-            loop.edges.emplace_back(KcDbHatch::EllipseEdge {});
+            loop.edges.emplace_back(KcDbHatch::EllipseEdge{});
             return true;
         case 4:
-            loop.edges.emplace_back(KcDbHatch::SplineEdge {});
+            loop.edges.emplace_back(KcDbHatch::SplineEdge{});
             return true;
         default:
             return false;
@@ -122,7 +123,7 @@ bool readEdge(KcDbHatch::Loop& loop, HatchState& state, const Group& g)
             spline->knots.push_back(g.real());
             return true;
         case 10:
-            spline->controlPoints.push_back({g.real(), 0});
+            spline->controlPoints.push_back({ g.real(), 0 });
             return true;
         case 20:
             if (!spline->controlPoints.empty())
@@ -132,7 +133,7 @@ bool readEdge(KcDbHatch::Loop& loop, HatchState& state, const Group& g)
             spline->weights.push_back(g.real());
             return true;
         case 11:
-            spline->fitPoints.push_back({g.real(), 0});
+            spline->fitPoints.push_back({ g.real(), 0 });
             return true;
         case 21:
             if (!spline->fitPoints.empty())
@@ -168,7 +169,7 @@ bool readPolylineLoop(KcDbHatch::Loop& loop, const Group& g)
     case 93:
         return true;
     case 10:
-        loop.vertices.push_back({g.real(), 0});
+        loop.vertices.push_back({ g.real(), 0 });
         return true;
     case 20:
         if (!loop.vertices.empty())
@@ -186,7 +187,7 @@ bool readPolylineLoop(KcDbHatch::Loop& loop, const Group& g)
 bool readPattern(KcDbHatch::Data& d, const Group& g)
 {
     if (g.code == 53) {
-        d.lines.push_back({g.real() * kDegree});
+        d.lines.push_back({ g.real() * kDegree });
         return true;
     }
     if (d.lines.empty())
@@ -218,7 +219,7 @@ bool readPattern(KcDbHatch::Data& d, const Group& g)
 bool readHatch(KcDbHatch& hatch, const Group& g, ReadState& state)
 {
     if (!state.own.has_value())
-        state.own = HatchState {};
+        state.own = HatchState{};
     HatchState& at = *std::any_cast<HatchState>(&state.own);
     KcDbHatch::Data& d = hatch.data();
     switch (g.code) {
@@ -265,12 +266,13 @@ bool readHatch(KcDbHatch& hatch, const Group& g, ReadState& state)
         // 97 counts the source curves, or the fit points of a spline edge.
         if (g.code == 97)
             return true;
-        return d.loops.back().isPolyline() ? readPolylineLoop(d.loops.back(), g) : readEdge(d.loops.back(), at, g);
+        return d.loops.back().isPolyline() ? readPolylineLoop(d.loops.back(), g)
+                                           : readEdge(d.loops.back(), at, g);
     case HatchState::Stage::Pattern:
         return readPattern(d, g);
     case HatchState::Stage::Seeds:
         if (g.code == 10) {
-            d.seeds.push_back({g.real(), 0});
+            d.seeds.push_back({ g.real(), 0 });
             return true;
         }
         if (g.code == 20 && !d.seeds.empty()) {
@@ -301,7 +303,7 @@ void writeEdge(const KcDbHatch::Edge& edge, GroupList& out)
             } else if constexpr (std::is_same_v<T, KcDbHatch::EllipseEdge>) {
                 out.integer(72, 3);
                 out.point(10, e.center);
-                out.point(11, KcGePoint2d {e.majorAxis.x, e.majorAxis.y});
+                out.point(11, KcGePoint2d{ e.majorAxis.x, e.majorAxis.y });
                 out.real(40, e.radiusRatio);
                 out.angle(50, e.startAngle);
                 out.angle(51, e.endAngle);
@@ -325,8 +327,8 @@ void writeEdge(const KcDbHatch::Edge& edge, GroupList& out)
                     for (const KcGePoint2d& p : e.fitPoints)
                         out.point(11, p);
                     if (e.hasTangents) {
-                        out.point(12, KcGePoint2d {e.startTangent.x, e.startTangent.y});
-                        out.point(13, KcGePoint2d {e.endTangent.x, e.endTangent.y});
+                        out.point(12, KcGePoint2d{ e.startTangent.x, e.startTangent.y });
+                        out.point(13, KcGePoint2d{ e.endTangent.x, e.endTangent.y });
                     }
                 }
             }
@@ -338,7 +340,7 @@ void writeHatch(const KcDbHatch& hatch, GroupList& out)
 {
     const KcDbHatch::Data& d = hatch.data();
     out.subclass("AcDbHatch");
-    out.point(10, KcGePoint3d {0, 0, d.elevation});
+    out.point(10, KcGePoint3d{ 0, 0, d.elevation });
     out.point(210, d.normal);
     out.text(2, d.patternName);
     out.integer(70, d.solid);
@@ -351,7 +353,7 @@ void writeHatch(const KcDbHatch& hatch, GroupList& out)
             out.integer(73, loop.closed);
             out.integer(93, int64_t(loop.vertices.size()));
             for (const KcDbPolyline::Vertex& v : loop.vertices) {
-                out.point(10, KcGePoint2d {v.x, v.y});
+                out.point(10, KcGePoint2d{ v.x, v.y });
                 if (loop.hasBulges)
                     out.real(42, v.bulge);
             }
@@ -403,9 +405,9 @@ void registerHatchCodec()
     };
     registerCodec(std::make_unique<HatchCodec>(
         "HATCH",
-        std::vector<Field> {field(210, &D::normal), field(2, &D::patternName), field(70, &D::solid),
-            field(71, &D::associative), field(52, &D::patternAngle).angle(), field(41, &D::patternScale),
-            field(77, &D::doubled), field(47, &D::pixelSize)},
+        std::vector<Field>{ field(210, &D::normal), field(2, &D::patternName), field(70, &D::solid),
+                            field(71, &D::associative), field(52, &D::patternAngle).angle(),
+                            field(41, &D::patternScale), field(77, &D::doubled), field(47, &D::pixelSize) },
         readHatch));
 }
 

@@ -1,5 +1,5 @@
-// Writing a whole drawing anew, as text of version 2010: drawings made in memory, and those of older versions that hold
-// something their version cannot.
+// Writing a whole drawing anew, as text of version 2010: drawings made in memory, and those of older versions
+// that hold something their version cannot.
 
 #include "db/block_reference.h"
 #include "db/dictionary.h"
@@ -19,7 +19,8 @@ namespace dxf {
 
 namespace {
 
-constexpr const char* kTableOrder[] = {"VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE", "BLOCK_RECORD"};
+constexpr const char* kTableOrder[]
+    = { "VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE", "BLOCK_RECORD" };
 
 class NewWriter {
 public:
@@ -49,7 +50,7 @@ public:
     }
 
 private:
-    void raw(int code, const char* text) { group({code, QString::fromLatin1(text)}); }
+    void raw(int code, const char* text) { group({ code, QString::fromLatin1(text) }); }
     void group(const OutGroup& g) { appendGroup(m_out, g, Form::Text, m_strings, "\n"); }
     void groups(const std::vector<OutGroup>& list)
     {
@@ -82,7 +83,8 @@ private:
         updateBlockMarks(m_database);
     }
 
-    // Objects -------------------------------------------------------------------------------------------------------
+    // Objects
+    // -------------------------------------------------------------------------------------------------------
 
     void object(const KcDbObject& o, KcDbHandle owner)
     {
@@ -117,10 +119,12 @@ private:
         const RecordHead head = readRecord(cursor, *m_context, codecNamed(mark.trimmed()), *pristine);
         if (o.sourcePlace().changed || head.handle != o.handle()) {
             const SourceGroups source = parseRecord(record, m_file->form, *m_file->strings);
-            GroupList before(m_file->version, GroupList::Defaults::kKeep), after(m_version, GroupList::Defaults::kKeep);
+            GroupList before(m_file->version, GroupList::Defaults::kKeep),
+                after(m_version, GroupList::Defaults::kKeep);
             writeRecord(*pristine, mark.trimmed(), codecFor(*pristine), head.handle, head.owner, before);
             writeRecord(o, name, codecFor(o), o.handle(), head.owner ? head.owner : owner, after);
-            merged = patchRecord(source, before.groups(), after.groups(), m_file->form, *m_file->strings, m_file->lineEnd);
+            merged = patchRecord(
+                source, before.groups(), after.groups(), m_file->form, *m_file->strings, m_file->lineEnd);
         }
         const SourceGroups result = parseRecord(merged, m_file->form, *m_file->strings);
         groups(result.groups);
@@ -129,7 +133,8 @@ private:
     /// R12 has no class marks: known classes are written anew, the others get the marks of their kind.
     void fromR12(const KcDbObject& o, const std::string& name, KcDbHandle owner)
     {
-        if (const auto* viewport = o.isA() == KcDbViewport::desc() ? static_cast<const KcDbViewport*>(&o) : nullptr) {
+        if (const auto* viewport
+            = o.isA() == KcDbViewport::desc() ? static_cast<const KcDbViewport*>(&o) : nullptr) {
             KcDbViewport copy(*viewport);
             takeViewFromXData(*viewport, copy);
             GroupList out(m_version, GroupList::Defaults::kOmit);
@@ -137,13 +142,15 @@ private:
             groups(out.groups());
             return;
         }
-        const bool keepsGroups = o.isA() == KcDbRawEntity::desc() || o.isA() == KcDbDimStyleTableRecord::desc()
-            || o.isA() == KcDbViewTableRecord::desc() || o.isA() == KcDbViewportTableRecord::desc();
+        const bool keepsGroups = o.isA() == KcDbRawEntity::desc()
+            || o.isA() == KcDbDimStyleTableRecord::desc() || o.isA() == KcDbViewTableRecord::desc()
+            || o.isA() == KcDbViewportTableRecord::desc();
         if (!keepsGroups) {
             fresh(o, name, owner);
             return;
         }
-        const SourceGroups source = parseRecord(m_file->record(o.sourcePlace()), m_file->form, *m_file->strings);
+        const SourceGroups source
+            = parseRecord(m_file->record(o.sourcePlace()), m_file->form, *m_file->strings);
         GroupList common(m_version, GroupList::Defaults::kOmit);
         writeRecord(o, name, nullptr, o.handle(), owner, common);
         std::vector<OutGroup> head, xdata;
@@ -170,9 +177,10 @@ private:
             // Names of arrow blocks became references to their records.
             if (style && (g.code == 5 || g.code == 6 || g.code == 7)) {
                 const auto* block = std::get_if<QString>(&g.value);
-                const KcDbObjectId id = block ? kcdbFindRecord(m_database.blockTable(), *block) : KcDbObjectId();
+                const KcDbObjectId id
+                    = block ? kcdbFindRecord(m_database.blockTable(), *block) : KcDbObjectId();
                 if (!id.isNull())
-                    group({337 + g.code, HandleValue {id.handle()}});
+                    group({ 337 + g.code, HandleValue{ id.handle() } });
                 continue;
             }
             group(g);
@@ -187,28 +195,36 @@ private:
         return code == 8 || code == 6 || code == 62 || code == 67 || code == 60 || code == 48;
     }
 
-    /// The class marks of kinds that are kept as they are. The first stands before the groups, the others behind them.
-    std::vector<QString> marksFor(const KcDbObject& o, const std::string& name, const std::vector<OutGroup>& source) const
+    /// The class marks of kinds that are kept as they are. The first stands before the groups, the others
+    /// behind them.
+    std::vector<QString>
+    marksFor(const KcDbObject& o, const std::string& name, const std::vector<OutGroup>& source) const
     {
         if (o.isKindOf(KcDbSymbolTableRecord::desc()))
             return {};
         if (name == "SHAPE")
-            return {QStringLiteral("AcDbShape")};
+            return { QStringLiteral("AcDbShape") };
         if (name == "DIMENSION") {
             int type = 0;
             for (const OutGroup& g : source)
                 if (g.code == 70)
                     if (const auto* value = std::get_if<int64_t>(&g.value))
                         type = int(*value & 7);
-            static const std::vector<QString> kTypes[] = {{"AcDbDimension", "AcDbAlignedDimension", "AcDbRotatedDimension"},
-                {"AcDbDimension", "AcDbAlignedDimension"}, {"AcDbDimension", "AcDb2LineAngularDimension"},
-                {"AcDbDimension", "AcDbDiametricDimension"}, {"AcDbDimension", "AcDbRadialDimension"},
-                {"AcDbDimension", "AcDb3PointAngularDimension"}, {"AcDbDimension", "AcDbOrdinateDimension"}};
+            static const std::vector<QString> kTypes[]
+                = { { "AcDbDimension", "AcDbAlignedDimension", "AcDbRotatedDimension" },
+                    { "AcDbDimension", "AcDbAlignedDimension" },
+                    { "AcDbDimension", "AcDb2LineAngularDimension" },
+                    { "AcDbDimension", "AcDbDiametricDimension" },
+                    { "AcDbDimension", "AcDbRadialDimension" },
+                    { "AcDbDimension", "AcDb3PointAngularDimension" },
+                    { "AcDbDimension", "AcDbOrdinateDimension" } };
             if (type < 7)
                 return kTypes[type];
         }
-        throw FileError("an object of the kind " + name + " (handle "
-            + QString::number(o.handle(), 16).toUpper().toStdString() + ") cannot be carried over from version R12 to 2010");
+        throw FileError(
+            "an object of the kind " + name + " (handle "
+            + QString::number(o.handle(), 16).toUpper().toStdString()
+            + ") cannot be carried over from version R12 to 2010");
     }
 
     /// R12 keeps the view of a viewport in extended data.
@@ -232,7 +248,7 @@ private:
         d.viewDirection = points[1].asVector();
         d.viewTwist = reals[0] * (kPi / 180.0);
         d.viewHeight = reals[1];
-        d.viewCenter = {reals[2], reals[3]};
+        d.viewCenter = { reals[2], reals[3] };
     }
 
     void withSubObjects(const KcDbObject& o, KcDbHandle owner)
@@ -243,7 +259,8 @@ private:
                 object(*id.stub()->object, o.handle());
     }
 
-    // Sections ------------------------------------------------------------------------------------------------------
+    // Sections
+    // ------------------------------------------------------------------------------------------------------
 
     void section(const char* name)
     {
@@ -261,12 +278,12 @@ private:
         const QString codePage = header->text("$DWGCODEPAGE");
         raw(3, (codePage.isEmpty() ? QStringLiteral("ANSI_936") : codePage).toUtf8().constData());
         raw(9, "$HANDSEED");
-        group({5, HandleValue {m_database.nextHandle()}});
+        group({ 5, HandleValue{ m_database.nextHandle() } });
         for (const KcDbHeader::Variable& variable : header->variables()) {
             const QString name = variable.name.toUpper();
             if (name == "$ACADVER" || name == "$DWGCODEPAGE" || name == "$HANDSEED" || name == "$HANDLING")
                 continue;
-            group({9, variable.name});
+            group({ 9, variable.name });
             GroupList values(m_version, GroupList::Defaults::kOmit);
             for (const KcDbTypedValue& value : variable.values)
                 values.typed(value);
@@ -289,10 +306,10 @@ private:
             raw(1, entry.fileName);
             raw(2, entry.className);
             raw(3, entry.application);
-            group({90, int64_t(entry.flags)});
-            group({91, count});
-            group({280, int64_t(0)});
-            group({281, int64_t(entry.isEntity)});
+            group({ 90, int64_t(entry.flags) });
+            group({ 91, count });
+            group({ 280, int64_t(0) });
+            group({ 281, int64_t(entry.isEntity) });
         }
         raw(0, "ENDSEC");
     }
@@ -308,10 +325,10 @@ private:
                     records.push_back(id);
             raw(0, "TABLE");
             raw(2, name);
-            group({5, HandleValue {table->handle()}});
-            group({330, HandleValue {0}});
+            group({ 5, HandleValue{ table->handle() } });
+            group({ 330, HandleValue{ 0 } });
             raw(100, "AcDbSymbolTable");
-            group({70, int64_t(records.size())});
+            group({ 70, int64_t(records.size()) });
             if (std::string_view(name) == "DIMSTYLE")
                 raw(100, "AcDbDimStyleTable");
             for (KcDbObjectId id : records)
@@ -345,7 +362,7 @@ private:
     void writeEntities()
     {
         section("ENTITIES");
-        for (KcDbObjectId id : {m_database.modelSpace(), m_database.paperSpace()}) {
+        for (KcDbObjectId id : { m_database.modelSpace(), m_database.paperSpace() }) {
             const KcDbRead<KcDbBlockTableRecord> block(id);
             for (const KcDbObjectId entity : *block)
                 withSubObjects(*entity.stub()->object, id.handle());
@@ -360,9 +377,10 @@ private:
         const KcDbObjectId root = m_database.namedObjectsDictionary();
         object(*root.stub()->object, 0);
         for (const KcDbObjectStub& stub : m_database.stubs()) {
-            if (!stub.object || &stub == root.stub() || !isWritten(stub) || stub.object->isKindOf(KcDbEntity::desc())
-                || stub.object->isKindOf(KcDbSymbolTableRecord::desc()) || stub.object->isA() == KcDbHeader::desc()
-                || stub.object->isA() == KcDbSymbolTable::desc())
+            if (!stub.object || &stub == root.stub() || !isWritten(stub)
+                || stub.object->isKindOf(KcDbEntity::desc())
+                || stub.object->isKindOf(KcDbSymbolTableRecord::desc())
+                || stub.object->isA() == KcDbHeader::desc() || stub.object->isA() == KcDbSymbolTable::desc())
                 continue;
             object(*stub.object, stub.object->ownerId().handle());
         }

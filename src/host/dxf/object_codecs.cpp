@@ -21,7 +21,7 @@ public:
         KcDbDictionary::Data& d = static_cast<KcDbDictionary&>(object).data();
         switch (group.code) {
         case 3:
-            d.entries.push_back({state.context.text(group), {}});
+            d.entries.push_back({ state.context.text(group), {} });
             return true;
         case 350:
         case 360:
@@ -115,8 +115,8 @@ void registerObjectCodecs()
         using D = KcDbGroup::Data;
         registerCodec(std::make_unique<FieldCodec<KcDbGroup>>(
             "GROUP",
-            std::vector<Field> {subclass("AcDbGroup"), field(300, &D::description), field(70, &D::anonymous),
-                field(71, &D::selectable)},
+            std::vector<Field>{ subclass("AcDbGroup"), field(300, &D::description), field(70, &D::anonymous),
+                                field(71, &D::selectable) },
             [](KcDbGroup& group, const Group& g, ReadState& state) {
                 if (g.code != 340)
                     return false;
@@ -161,8 +161,8 @@ void registerObjectCodecs()
         };
         registerCodec(std::make_unique<LayoutCodec>(
             "LAYOUT",
-            std::vector<Field> {field(1, &D::name), field(70, &D::flags), field(71, &D::tabOrder),
-                field(10, &D::limitsMin), field(11, &D::limitsMax)},
+            std::vector<Field>{ field(1, &D::name), field(70, &D::flags), field(71, &D::tabOrder),
+                                field(10, &D::limitsMin), field(11, &D::limitsMax) },
             [](KcDbLayout& layout, const Group& group, ReadState& state) {
                 // Behind the block come the last active viewport and named systems under the same code.
                 if (group.code != 330 || state.step++ > 0)

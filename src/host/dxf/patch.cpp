@@ -11,7 +11,8 @@ namespace {
 
 constexpr size_t kNone = ~size_t(0);
 
-// Class marks and the beginning of extended data cut a record into sections; groups are only matched inside one.
+// Class marks and the beginning of extended data cut a record into sections; groups are only matched inside
+// one.
 struct Section {
     size_t begin = 0, end = 0;
     QString name; ///< of the class mark; "*" for extended data
@@ -49,13 +50,14 @@ const Section* findSection(const std::vector<Section>& sections, const Section& 
     return nullptr;
 }
 
-// For each group of `before` the group of the source that holds it, or none where the source left a default out.
+// For each group of `before` the group of the source that holds it, or none where the source left a default
+// out.
 void matchSection(
     const std::vector<OutGroup>& before, const Section& a, const SourceGroups& source, const Section& s,
     std::vector<size_t>& matchOfBefore, std::vector<bool>& taken)
 {
-    // In order first: `before` holds every known group, so the source's groups are met on the way. What is not met
-    // within a few groups is unknown to the class.
+    // In order first: `before` holds every known group, so the source's groups are met on the way. What is
+    // not met within a few groups is unknown to the class.
     constexpr size_t kReach = 200;
     size_t at = a.begin;
     for (size_t j = s.begin; j < s.end; ++j) {
@@ -83,7 +85,8 @@ void matchSection(
     }
 }
 
-// Pairs of equal groups of two sequences, in order: equal ends first, the longest common subsequence of what is between.
+// Pairs of equal groups of two sequences, in order: equal ends first, the longest common subsequence of what
+// is between.
 std::vector<size_t> pairEqual(const std::vector<OutGroup>& before, const std::vector<OutGroup>& after)
 {
     std::vector<size_t> pairOfAfter(after.size(), kNone);
@@ -94,7 +97,7 @@ std::vector<size_t> pairEqual(const std::vector<OutGroup>& before, const std::ve
     }
     size_t tail = 0;
     while (tail < before.size() - head && tail < after.size() - head
-        && before[before.size() - 1 - tail].sameValue(after[after.size() - 1 - tail])) {
+           && before[before.size() - 1 - tail].sameValue(after[after.size() - 1 - tail])) {
         pairOfAfter[after.size() - 1 - tail] = before.size() - 1 - tail;
         ++tail;
     }
@@ -105,8 +108,9 @@ std::vector<size_t> pairEqual(const std::vector<OutGroup>& before, const std::ve
     std::vector<std::vector<uint32_t>> length(n + 1, std::vector<uint32_t>(m + 1));
     for (size_t i = n; i-- > 0;)
         for (size_t j = m; j-- > 0;)
-            length[i][j] = before[head + i].sameValue(after[head + j]) ? length[i + 1][j + 1] + 1
-                                                                       : std::max(length[i + 1][j], length[i][j + 1]);
+            length[i][j] = before[head + i].sameValue(after[head + j])
+                ? length[i + 1][j + 1] + 1
+                : std::max(length[i + 1][j], length[i][j + 1]);
     for (size_t i = 0, j = 0; i < n && j < m;) {
         if (before[head + i].sameValue(after[head + j])) {
             pairOfAfter[head + j] = head + i;
@@ -174,13 +178,14 @@ void dropStalePictures(SourceGroups& source)
 }
 
 std::string patchRecord(
-    const SourceGroups& source, const std::vector<OutGroup>& before, const std::vector<OutGroup>& after, Form form,
-    const Strings& strings, const char* lineEnd)
+    const SourceGroups& source, const std::vector<OutGroup>& before, const std::vector<OutGroup>& after,
+    Form form, const Strings& strings, const char* lineEnd)
 {
     // What of `before` stands where in the source.
     std::vector<size_t> matchOfBefore(before.size(), kNone);
     std::vector<bool> taken(source.groups.size(), false);
-    const std::vector<Section> sourceSections = sectionsOf(source.groups), beforeSections = sectionsOf(before);
+    const std::vector<Section> sourceSections = sectionsOf(source.groups),
+                               beforeSections = sectionsOf(before);
     for (const Section& section : beforeSections)
         if (const Section* there = findSection(sourceSections, section))
             matchSection(before, section, source, *there, matchOfBefore, taken);
@@ -193,8 +198,8 @@ std::string patchRecord(
         if (i != kNone)
             kept[i] = true;
 
-    // Groups of the source that go: those of values that are gone, and others of the same code that the class did not
-    // recognise (values it reads differently) in the same section.
+    // Groups of the source that go: those of values that are gone, and others of the same code that the class
+    // did not recognise (values it reads differently) in the same section.
     std::vector<bool> dropped(source.groups.size(), false);
     for (size_t i = 0; i < before.size(); ++i)
         if (!kept[i] && matchOfBefore[i] != kNone)
@@ -202,7 +207,8 @@ std::string patchRecord(
 
     // New values take the place of the ones they replace; what is added follows the group before it.
     std::vector<std::string> inPlace(source.groups.size());
-    std::vector<std::string> behind(source.groups.size() + 1); ///< [j + 1]: behind group j; [0]: at the very beginning
+    std::vector<std::string> behind(
+        source.groups.size() + 1); ///< [j + 1]: behind group j; [0]: at the very beginning
     size_t lastBefore = 0; ///< the group of `before` up to which replaced ones were looked for
     size_t lastPlace = 0; ///< one more than the source group that the last written group stands at
     for (size_t k = 0; k < after.size(); ++k) {

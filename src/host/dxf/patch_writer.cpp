@@ -1,5 +1,5 @@
-// Writing a drawing over the file it was read from: unchanged stretches are copied, changed records merged, new ones added
-// where their owners' content ends.
+// Writing a drawing over the file it was read from: unchanged stretches are copied, changed records merged,
+// new ones added where their owners' content ends.
 
 #include "db/block_reference.h"
 #include "db/dictionary.h"
@@ -17,7 +17,7 @@ namespace dxf {
 
 namespace {
 
-constexpr const char* kSectionOrder[] = {"HEADER", "CLASSES", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS"};
+constexpr const char* kSectionOrder[] = { "HEADER", "CLASSES", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS" };
 
 class PatchWriter {
 public:
@@ -46,7 +46,8 @@ private:
         std::string text; ///< what comes in their place
     };
 
-    // Records -------------------------------------------------------------------------------------------------------
+    // Records
+    // -------------------------------------------------------------------------------------------------------
 
     void changeReadRecords()
     {
@@ -55,14 +56,14 @@ private:
             const bool erased = stub->flags & KcDbObjectStub::kErased;
             const KcDbSourcePlace& place = object.sourcePlace();
             if (erased || ((stub->flags & KcDbObjectStub::kRelisted) && !isInPlace(object))) {
-                m_edits.push_back({place.offset, place.length, {}});
+                m_edits.push_back({ place.offset, place.length, {} });
                 continue;
             }
             if (!place.changed)
                 continue;
             std::string bytes = recordOf(object, place.offset);
             if (bytes != m_file.record(place))
-                m_edits.push_back({place.offset, place.length, std::move(bytes)});
+                m_edits.push_back({ place.offset, place.length, std::move(bytes) });
             addNewSubObjects(object);
         }
     }
@@ -85,8 +86,8 @@ private:
 
     KcDbHandle ownerHandle(const KcDbObject& object) const { return object.ownerId().handle(); }
 
-    /// The bytes of a record in the form of the file. An object that was read, or copied from one that was, keeps the
-    /// groups that no class knows.
+    /// The bytes of a record in the form of the file. An object that was read, or copied from one that was,
+    /// keeps the groups that no class knows.
     std::string recordOf(const KcDbObject& object, uint64_t ownPlace = ~uint64_t(0))
     {
         const Codec* codec = codecFor(object);
@@ -103,14 +104,16 @@ private:
         Group mark;
         cursor.next(mark);
         const bool isEntity = object.isKindOf(KcDbEntity::desc());
-        const std::unique_ptr<KcDbObject> pristine = makeObject(codecNamed(mark.trimmed()), mark.trimmed(), isEntity);
+        const std::unique_ptr<KcDbObject> pristine
+            = makeObject(codecNamed(mark.trimmed()), mark.trimmed(), isEntity);
         const RecordHead head = readRecord(cursor, m_context, codecNamed(mark.trimmed()), *pristine);
         restoreSubObjects(object, *pristine, head.attributesFollow);
 
-        GroupList before(m_file.version, GroupList::Defaults::kKeep), after(m_file.version, GroupList::Defaults::kKeep);
+        GroupList before(m_file.version, GroupList::Defaults::kKeep),
+            after(m_file.version, GroupList::Defaults::kKeep);
         writeRecord(*pristine, mark.trimmed(), codecFor(*pristine), head.handle, head.owner, before);
-        // In its own place a record keeps its handle (in old files: also that it has none) and its owner, unless another
-        // object bears the handle too.
+        // In its own place a record keeps its handle (in old files: also that it has none) and its owner,
+        // unless another object bears the handle too.
         const bool keepsHandle = !isNew && (head.handle == 0 || head.handle == object.handle());
         const KcDbHandle handle = keepsHandle ? head.handle : handleFor(object);
         const bool moved = isNew || (object.objectId().stub()->flags & KcDbObjectStub::kRelisted);
@@ -119,7 +122,8 @@ private:
             return std::string(record);
         if (codec && isEntity)
             dropStalePictures(source);
-        return patchRecord(source, before.groups(), after.groups(), m_file.form, *m_file.strings, m_file.lineEnd);
+        return patchRecord(
+            source, before.groups(), after.groups(), m_file.form, *m_file.strings, m_file.lineEnd);
     }
 
     /// What was changed has a handle of its own even where another object bears the one it was read with.
@@ -140,13 +144,15 @@ private:
     /// An attribute list is no group of the reference's own record; the mark that one follows is.
     static void restoreSubObjects(const KcDbObject& object, KcDbObject& pristine, bool attributesFollow)
     {
-        if (!attributesFollow || pristine.isA() != KcDbBlockReference::desc() || object.isA() != pristine.isA())
+        if (!attributesFollow || pristine.isA() != KcDbBlockReference::desc()
+            || object.isA() != pristine.isA())
             return;
         auto& reference = static_cast<KcDbBlockReference&>(pristine);
         if (!reference.data().array)
             reference.data().array = std::make_unique<KcDbBlockReference::Array>();
         const auto& current = static_cast<const KcDbBlockReference&>(object).attributes();
-        reference.data().array->attributes = current.empty() ? std::vector<KcDbObjectId> {object.objectId()} : current;
+        reference.data().array->attributes
+            = current.empty() ? std::vector<KcDbObjectId>{ object.objectId() } : current;
     }
 
     std::string bytesOf(const std::vector<OutGroup>& groups) const
@@ -157,7 +163,8 @@ private:
         return bytes;
     }
 
-    // New objects ---------------------------------------------------------------------------------------------------
+    // New objects
+    // ---------------------------------------------------------------------------------------------------
 
     static bool hasPlace(const KcDbObjectStub& stub) { return stub.flags & KcDbObjectStub::kLoaded; }
 
@@ -173,7 +180,7 @@ private:
         const auto end = m_file.sequenceEnds.find(parent.objectId().stub());
         const KcDbSourcePlace& place = parent.sourcePlace();
         const uint64_t at = end != m_file.sequenceEnds.end() ? end->second : place.offset + place.length;
-        m_edits.push_back({at, 0, std::move(text)});
+        m_edits.push_back({ at, 0, std::move(text) });
     }
 
     std::string withSubObjects(const KcDbObject& object)
@@ -206,7 +213,7 @@ private:
 
     void addTableRecords()
     {
-        for (const char* name : {"VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE"})
+        for (const char* name : { "VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE" })
             addTable(m_database.tableNamed(name));
         if (m_file.version != KcDbVersion::R12) // R12 has block definitions, but no records of them
             addTable(m_database.blockTable());
@@ -226,7 +233,7 @@ private:
         if (text.empty())
             return;
         if (const auto end = m_file.tableEnds.find(id.stub()); end != m_file.tableEnds.end()) {
-            m_edits.push_back({end->second, 0, std::move(text)});
+            m_edits.push_back({ end->second, 0, std::move(text) });
             return;
         }
         GroupList head(m_file.version, GroupList::Defaults::kOmit);
@@ -257,7 +264,7 @@ private:
             }
             if (const auto span = m_file.blocks.find(id.stub()); span != m_file.blocks.end()) {
                 if (std::string text = newEntitiesOf(*block); !text.empty())
-                    m_edits.push_back({span->second.end, 0, std::move(text)});
+                    m_edits.push_back({ span->second.end, 0, std::move(text) });
             } else if (isWritten(*id.stub()) && !block->data().begin.isNull()) {
                 addToSection("BLOCKS", marksOf(*block, newEntitiesOf(*block)));
             }
@@ -279,9 +286,10 @@ private:
     {
         std::string text;
         for (const KcDbObjectStub& stub : m_database.stubs()) {
-            if (!stub.object || hasPlace(stub) || !isWritten(stub) || stub.object->isKindOf(KcDbEntity::desc())
-                || stub.object->isKindOf(KcDbSymbolTableRecord::desc()) || stub.object->isA() == KcDbHeader::desc()
-                || stub.object->isA() == KcDbSymbolTable::desc())
+            if (!stub.object || hasPlace(stub) || !isWritten(stub)
+                || stub.object->isKindOf(KcDbEntity::desc())
+                || stub.object->isKindOf(KcDbSymbolTableRecord::desc())
+                || stub.object->isA() == KcDbHeader::desc() || stub.object->isA() == KcDbSymbolTable::desc())
                 continue;
             text += recordOf(*stub.object);
         }
@@ -289,7 +297,8 @@ private:
             addToSection("OBJECTS", std::move(text));
     }
 
-    // Header and classes --------------------------------------------------------------------------------------------
+    // Header and classes
+    // --------------------------------------------------------------------------------------------
 
     void changeHeader()
     {
@@ -307,7 +316,9 @@ private:
                 const KcDbHandle there
                     = variable.value.values.empty() ? 0 : variable.value.values.front().id().handle();
                 if (seed > there)
-                    replaceVariable(variable.place, {name, {{5, QString::number(m_database.nextHandle(), 16).toUpper()}}});
+                    replaceVariable(
+                        variable.place,
+                        { name, { { 5, QString::number(m_database.nextHandle(), 16).toUpper() } } });
                 continue;
             }
             const KcDbHeader::Variable* now = header->find(name);
@@ -326,7 +337,7 @@ private:
 
     void replaceVariable(const SourceFile::Span& place, const KcDbHeader::Variable& variable)
     {
-        m_edits.push_back({place.begin, place.end - place.begin, variableBytes(variable)});
+        m_edits.push_back({ place.begin, place.end - place.begin, variableBytes(variable) });
     }
 
     std::string variableBytes(const KcDbHeader::Variable& variable) const
@@ -368,12 +379,13 @@ private:
             addToSection("CLASSES", std::move(text));
     }
 
-    // Sections ------------------------------------------------------------------------------------------------------
+    // Sections
+    // ------------------------------------------------------------------------------------------------------
 
     void addToSection(const char* name, std::string text)
     {
         if (const auto section = m_file.sections.find(name); section != m_file.sections.end())
-            m_edits.push_back({section->second.end, 0, std::move(text)});
+            m_edits.push_back({ section->second.end, 0, std::move(text) });
         else
             m_missing[name] += text;
     }
@@ -391,11 +403,12 @@ private:
                     at = startOfSection(next->second);
                     break;
                 }
-            GroupList head(m_file.version, GroupList::Defaults::kOmit), tail(m_file.version, GroupList::Defaults::kOmit);
+            GroupList head(m_file.version, GroupList::Defaults::kOmit),
+                tail(m_file.version, GroupList::Defaults::kOmit);
             head.text(0, QStringLiteral("SECTION"));
             head.text(2, QLatin1String(kSectionOrder[i]));
             tail.text(0, QStringLiteral("ENDSEC"));
-            m_edits.push_back({at, 0, bytesOf(head.groups()) + missing->second + bytesOf(tail.groups())});
+            m_edits.push_back({ at, 0, bytesOf(head.groups()) + missing->second + bytesOf(tail.groups()) });
         }
     }
 
@@ -451,8 +464,8 @@ void updateBlockMarks(KcDbDatabase& database)
         const KcDbRead<KcDbBlockBegin> begin(block->data().begin);
         if (!begin)
             continue;
-        KcDbBlockBegin::Data data {block->name(), block->origin(), block->data().blockFlags, block->data().xrefPath,
-            block->data().description};
+        KcDbBlockBegin::Data data{ block->name(), block->origin(), block->data().blockFlags,
+                                   block->data().xrefPath, block->data().description };
         // R12 files write the names of some blocks in capitals in one place and not in the other.
         if (begin->data().name.compare(data.name, Qt::CaseInsensitive) == 0)
             data.name = begin->data().name;
@@ -460,6 +473,23 @@ void updateBlockMarks(KcDbDatabase& database)
             continue;
         KcDbWrite<KcDbBlockBegin> open(block->data().begin);
         open->data() = data;
+    }
+}
+
+void completeSequences(KcDbDatabase& database)
+{
+    // By index: objects are added on the way.
+    for (size_t i = 0; i < database.stubs().size(); ++i) {
+        KcDbObjectStub& stub = database.stubs()[i];
+        if (!stub.object || !stub.object->sourcePlace().changed || !isWritten(stub))
+            continue;
+        const KcDbObjectId id(&stub);
+        if (KcDbRead<KcDb2dPolyline> polyline(id); polyline && !polyline->data().sequenceEnd.isResident()) {
+            auto end = std::make_unique<KcDbSequenceEnd>();
+            end->setPropertiesFrom(*polyline);
+            KcDbWrite<KcDb2dPolyline> open(id);
+            open->data().sequenceEnd = database.addObject(std::move(end), id);
+        }
     }
 }
 

@@ -10,8 +10,8 @@
 #include "dxf/source_file.h"
 
 #include <cerrno>
-#include <cstring>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -27,11 +27,12 @@ struct VersionRow {
     const char* text;
 };
 
-constexpr VersionRow kVersions[] = {{"AC1009", KcDbVersion::R12, "R12"}, {"AC1012", KcDbVersion::R13, "R13"},
-    {"AC1014", KcDbVersion::R14, "R14"}, {"AC1015", KcDbVersion::V2000, "2000"},
-    {"AC1018", KcDbVersion::V2004, "2004"}, {"AC1021", KcDbVersion::V2007, "2007"},
-    {"AC1024", KcDbVersion::V2010, "2010"}, {"AC1027", KcDbVersion::V2013, "2013"},
-    {"AC1032", KcDbVersion::V2018, "2018"}};
+constexpr VersionRow kVersions[]
+    = { { "AC1009", KcDbVersion::R12, "R12" },    { "AC1012", KcDbVersion::R13, "R13" },
+        { "AC1014", KcDbVersion::R14, "R14" },    { "AC1015", KcDbVersion::V2000, "2000" },
+        { "AC1018", KcDbVersion::V2004, "2004" }, { "AC1021", KcDbVersion::V2007, "2007" },
+        { "AC1024", KcDbVersion::V2010, "2010" }, { "AC1027", KcDbVersion::V2013, "2013" },
+        { "AC1032", KcDbVersion::V2018, "2018" } };
 
 class Reader {
 public:
@@ -60,7 +61,8 @@ public:
             else if (group.is(0, "EOF"))
                 ended = true;
             else if (group.code != 999 && m_file->sections.empty())
-                throw FileError(m_cursor.where(group.begin) + ": this is no drawing file (no section begins)");
+                throw FileError(
+                    m_cursor.where(group.begin) + ": this is no drawing file (no section begins)");
             if (ended || group.code == 999)
                 continue;
             m_file->endOfSections = m_file->offsetOf(m_cursor.position());
@@ -68,13 +70,16 @@ public:
         if (m_file->sections.empty())
             throw FileError("this is no drawing file (it holds no section)");
         if (!ended)
-            m_database.addFinding({kFindingTruncated, false, 0, QStringLiteral("The file has no end mark.")});
+            m_database.addFinding(
+                { kFindingTruncated, false, 0, QStringLiteral("The file has no end mark.") });
         if (m_file->strings->undecodable() > 0)
-            m_database.addFinding({kFindingUndecodableText, false, 0,
-                QStringLiteral("%1 bytes of text mean nothing in the character set of the drawing; they are kept.")
-                    .arg(m_file->strings->undecodable())});
+            m_database.addFinding(
+                { kFindingUndecodableText, false, 0,
+                  QStringLiteral(
+                      "%1 bytes of text mean nothing in the character set of the drawing; they are kept.")
+                      .arg(m_file->strings->undecodable()) });
         m_database.endLoading();
-        reportUndefinedBlocks();
+        reportUndefinedNames();
         m_database.completeFrame();
         KcDbModuleObject::reviveAll(m_database);
         m_database.setFile(m_file);
@@ -112,7 +117,8 @@ private:
                 if (!version && value.trimmed() < "AC1009")
                     version = KcDbVersion::R12;
                 if (!version)
-                    fail(value, "the drawing's version \"" + std::string(value.trimmed()) + "\" is not known");
+                    fail(
+                        value, "the drawing's version \"" + std::string(value.trimmed()) + "\" is not known");
             } else if (group.is(9, "$DWGCODEPAGE") && m_cursor.next(value)) {
                 codePage = QString::fromLatin1(value.trimmed().data(), qsizetype(value.trimmed().size()));
             }
@@ -136,8 +142,10 @@ private:
             utf8 = *version >= KcDbVersion::V2007;
         }
         if (*version >= KcDbVersion::V2007 && !utf8)
-            m_database.addFinding({kFindingUndecodableText, false, 0,
-                QStringLiteral("The texts are not UTF-8, as the drawing's version wants, but %1.").arg(codePage)});
+            m_database.addFinding(
+                { kFindingUndecodableText, false, 0,
+                  QStringLiteral("The texts are not UTF-8, as the drawing's version wants, but %1.")
+                      .arg(codePage) });
         m_file->strings = std::make_unique<Strings>(codePage, utf8);
     }
 
@@ -311,7 +319,7 @@ private:
             table.stub()->flags |= KcDbObjectStub::kLoaded;
         }
         const Codec* codec = lookUp(name);
-        for (; !group.is(0, "ENDTAB"); ) {
+        for (; !group.is(0, "ENDTAB");) {
             if (group.code != 0)
                 truncated("a table");
             if (group.is(0, "ENDSEC")) { // the end mark of the table is missing
@@ -375,9 +383,10 @@ private:
             if (group.is(0, "BLOCK"))
                 readBlock(group);
             else if (group.code == 0)
-                m_database.addFinding({kFindingMisplacedRecord, false, 0,
-                    QStringLiteral("A record \"%1\" stands outside the blocks; it is kept.")
-                        .arg(QString::fromUtf8(group.value.data(), qsizetype(group.value.size())))});
+                m_database.addFinding(
+                    { kFindingMisplacedRecord, false, 0,
+                      QStringLiteral("A record \"%1\" stands outside the blocks; it is kept.")
+                          .arg(QString::fromUtf8(group.value.data(), qsizetype(group.value.size()))) });
         }
         truncated("the blocks");
     }
@@ -403,7 +412,7 @@ private:
                 const Read end = takeRecord(group, true);
                 end.id.stub()->object->setOwnerId(block);
                 record.data().end = end.id;
-                m_file->blocks[block.stub()] = {from, m_file->offsetOf(group.begin)};
+                m_file->blocks[block.stub()] = { from, m_file->offsetOf(group.begin) };
                 return;
             }
             if (group.is(0, "ENDSEC"))
@@ -532,17 +541,33 @@ private:
         truncated("the objects");
     }
 
-    void reportUndefinedBlocks()
+    /// Names may be used before they are defined; what is still only implied at the end was never defined.
+    void reportUndefinedNames()
     {
-        if (m_file->version != KcDbVersion::R12)
-            return;
-        const KcDbRead<KcDbSymbolTable> table(m_database.blockTable());
-        for (KcDbObjectId id : table->records()) {
-            const KcDbRead<KcDbBlockTableRecord> block(id);
-            if (block && block->data().begin.isNull())
-                m_database.addFinding({kFindingUndefinedName, false, 0,
-                    QStringLiteral("The drawing uses the block \"%1\" without defining it.").arg(block->name())});
-        }
+        const auto report = [this](const char* kind, const QString& name) {
+            // What every drawing has counts as defined.
+            static const QStringList kAlwaysThere{
+                "0", "STANDARD", "BYLAYER", "BYBLOCK", "CONTINUOUS", "ACAD"
+            };
+            if (!kAlwaysThere.contains(name.toUpper()))
+                m_database.addFinding({ kFindingUndefinedName, false, 0,
+                                        QStringLiteral("The drawing uses the %1 \"%2\" without defining it.")
+                                            .arg(QLatin1String(kind), name) });
+        };
+        const std::pair<KcDbObjectId, const char*> tables[]
+            = { { m_database.layerTable(), "layer" },
+                { m_database.linetypeTable(), "line type" },
+                { m_database.textStyleTable(), "text style" },
+                { m_database.dimStyleTable(), "dimension style" },
+                { m_database.regAppTable(), "application" } };
+        for (const auto& [table, kind] : tables)
+            for (KcDbObjectId id : KcDbRead<KcDbSymbolTable>(table)->records())
+                if (id.stub()->flags & KcDbObjectStub::kImplicit)
+                    report(kind, kcdbRecordName(id));
+        for (KcDbObjectId id : KcDbRead<KcDbSymbolTable>(m_database.blockTable())->records())
+            if (const KcDbRead<KcDbBlockTableRecord> block(id);
+                block && block->data().begin.isNull() && !block->isLayout())
+                report("block", block->name());
     }
 
     KcDbDatabase& m_database;
@@ -573,8 +598,9 @@ Form formOf(std::string_view bytes)
 {
     if (!isBinary(bytes))
         return Form::Text;
-    return bytes.size() > kBinarySignatureSize + 1 && bytes[kBinarySignatureSize + 1] != '\0' ? Form::BinaryR12
-                                                                                              : Form::Binary;
+    return bytes.size() > kBinarySignatureSize + 1 && bytes[kBinarySignatureSize + 1] != '\0'
+        ? Form::BinaryR12
+        : Form::Binary;
 }
 
 } // namespace

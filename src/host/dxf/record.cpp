@@ -48,14 +48,15 @@ bool readEntityCommon(KcDbEntity& entity, const Group& group, ReadContext& conte
     case 6: {
         const KcDbObjectId id = context.named(NameOf::Linetype, group);
         entity.setLinetypeId(
-            kcdbRecordName(id).compare(QLatin1String("ByLayer"), Qt::CaseInsensitive) == 0 ? KcDbObjectId() : id);
+            kcdbRecordName(id).compare(QLatin1String("ByLayer"), Qt::CaseInsensitive) == 0 ? KcDbObjectId()
+                                                                                           : id);
         return true;
     }
     case 62:
-        entity.setColor({int16_t(group.integer()), entity.color().rgb});
+        entity.setColor({ int16_t(group.integer()), entity.color().rgb });
         return true;
     case 420:
-        entity.setColor({entity.color().index, int32_t(group.integer() & 0xFFFFFF)});
+        entity.setColor({ entity.color().index, int32_t(group.integer() & 0xFFFFFF) });
         return true;
     case 440:
         entity.setTransparency(uint32_t(group.integer()));
@@ -107,7 +108,7 @@ public:
     void read(const Group& group)
     {
         if (group.code == 1001) {
-            m_all.push_back({m_context.named(NameOf::RegApp, group), {}});
+            m_all.push_back({ m_context.named(NameOf::RegApp, group), {} });
             return;
         }
         if (m_all.empty())
@@ -137,7 +138,8 @@ struct UnknownPoint {
     KcGeVector3d u, v; ///< of a pixel of a picture
 };
 
-/// Of what it does not know the program reads where it lies: its points, a dimension's block; and what it owns.
+/// Of what it does not know the program reads where it lies: its points, a dimension's block; and what it
+/// owns.
 void readUnknown(KcDbRawEntity& entity, const Group& group, ReadContext& context, UnknownPoint& point)
 {
     KcDbRawEntity::Data& d = entity.data();
@@ -162,20 +164,21 @@ void readUnknown(KcDbRawEntity& entity, const Group& group, ReadContext& context
         point.v.x = group.real();
         return;
     case 20:
-        point.origin = {point.x, group.real(), 0.0};
+        point.origin = { point.x, group.real(), 0.0 };
         d.points.addPoint(point.origin);
         return;
     case 21:
         point.u.y = group.real();
         if (isMultiline) // vertices; other kinds have directions here
-            d.points.addPoint({point.x, group.real(), 0.0});
+            d.points.addPoint({ point.x, group.real(), 0.0 });
         return;
     case 22:
         point.v.y = group.real();
         return;
     case 23:
         if (isPicture) {
-            const KcGePoint3d right = point.origin + point.u * point.x, up = point.origin + point.v * group.real();
+            const KcGePoint3d right = point.origin + point.u * point.x,
+                              up = point.origin + point.v * group.real();
             d.points.addPoint(right);
             d.points.addPoint(up);
             d.points.addPoint(right + (up - point.origin));
@@ -205,7 +208,8 @@ std::string fileNameOf(const KcDbObject& object)
     if (object.isA() == KcDbRawObject::desc())
         return static_cast<const KcDbRawObject&>(object).fileName().toStdString();
     if (object.isA() == KcDbDictionary::desc())
-        return static_cast<const KcDbDictionary&>(object).data().defaultId.isNull() ? "DICTIONARY" : "ACDBDICTIONARYWDFLT";
+        return static_cast<const KcDbDictionary&>(object).data().defaultId.isNull() ? "DICTIONARY"
+                                                                                    : "ACDBDICTIONARYWDFLT";
     const Codec* codec = codecFor(object);
     return codec ? codec->fileName() : std::string();
 }
@@ -225,7 +229,7 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
     bool hasName = false, hasFlags = false;
     UnknownPoint rawPoint;
 
-    ReadState state {context, cursor};
+    ReadState state{ context, cursor };
     std::optional<Lists> lists;
     std::optional<XDataReader> xdata;
     Group group;
@@ -253,7 +257,8 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
             ++state.subclassCount;
             continue;
         case 101:
-            // Data embedded in the record by a later version; it says again, in its own way, what came before.
+            // Data embedded in the record by a later version; it says again, in its own way, what came
+            // before.
             if (isXrecord)
                 break;
             state.subclass = "Embedded Object";
@@ -284,7 +289,8 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
             }
             break;
         }
-        if (entity && (state.subclassCount == 0 || (state.subclassCount == 1 && state.subclass == "AcDbEntity"))
+        if (entity
+            && (state.subclassCount == 0 || (state.subclassCount == 1 && state.subclass == "AcDbEntity"))
             && readEntityCommon(*entity, group, context))
             continue;
         if (isTableRecord) {
@@ -322,8 +328,8 @@ done:
 }
 
 void writeRecord(
-    const KcDbObject& object, std::string_view fileName, const Codec* codec, KcDbHandle handle, KcDbHandle owner,
-    GroupList& out)
+    const KcDbObject& object, std::string_view fileName, const Codec* codec, KcDbHandle handle,
+    KcDbHandle owner, GroupList& out)
 {
     out.text(0, QString::fromUtf8(fileName.data(), qsizetype(fileName.size())));
     const bool isDimStyle = object.isA() == KcDbDimStyleTableRecord::desc();

@@ -1,6 +1,6 @@
-// Records: one object in a file, from its name to the next one's. The parts that all objects share (handle, owner,
-// reactors, extension dictionary, common properties of entities, names of table records, extended data) are read and
-// written here, the rest by the codecs.
+// Records: one object in a file, from its name to the next one's. The parts that all objects share (handle,
+// owner, reactors, extension dictionary, common properties of entities, names of table records, extended
+// data) are read and written here, the rest by the codecs.
 #pragma once
 
 #include "dxf/codec.h"
@@ -20,10 +20,11 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
 /// Makes the object for a record: of the codec's class, or one that keeps what nobody knows.
 std::unique_ptr<KcDbObject> makeObject(const Codec* codec, std::string_view fileName, bool isEntity);
 
-/// Writes a whole record. `handle` 0 leaves the handle out; `owner` 0 is written as such, and left out in R12 files.
+/// Writes a whole record. `handle` 0 leaves the handle out; `owner` 0 is written as such, and left out in R12
+/// files.
 void writeRecord(
-    const KcDbObject& object, std::string_view fileName, const Codec* codec, KcDbHandle handle, KcDbHandle owner,
-    GroupList& out);
+    const KcDbObject& object, std::string_view fileName, const Codec* codec, KcDbHandle handle,
+    KcDbHandle owner, GroupList& out);
 
 /// The name under which an object is written.
 std::string fileNameOf(const KcDbObject& object);

@@ -19,16 +19,20 @@ struct Since {
 };
 
 // Kinds of objects that older versions cannot hold. Those of R12 are the ones that came with R13.
-constexpr Since kSince[] = {{"LWPOLYLINE", KcDbVersion::R14}, {"HATCH", KcDbVersion::R14}, {"MTEXT", KcDbVersion::R13},
-    {"ELLIPSE", KcDbVersion::R13}, {"SPLINE", KcDbVersion::R13}, {"LEADER", KcDbVersion::R13},
-    {"XLINE", KcDbVersion::R13}, {"RAY", KcDbVersion::R13}, {"WIPEOUT", KcDbVersion::V2000},
-    {"ACAD_TABLE", KcDbVersion::V2000}, {"TABLESTYLE", KcDbVersion::V2000}, {"LAYOUT", KcDbVersion::V2000},
-    {"DICTIONARY", KcDbVersion::R13}, {"XRECORD", KcDbVersion::R13}, {"GROUP", KcDbVersion::R13}};
+constexpr Since kSince[] = { { "LWPOLYLINE", KcDbVersion::R14 },   { "HATCH", KcDbVersion::R14 },
+                             { "MTEXT", KcDbVersion::R13 },        { "ELLIPSE", KcDbVersion::R13 },
+                             { "SPLINE", KcDbVersion::R13 },       { "LEADER", KcDbVersion::R13 },
+                             { "XLINE", KcDbVersion::R13 },        { "RAY", KcDbVersion::R13 },
+                             { "WIPEOUT", KcDbVersion::V2000 },    { "ACAD_TABLE", KcDbVersion::V2000 },
+                             { "TABLESTYLE", KcDbVersion::V2000 }, { "LAYOUT", KcDbVersion::V2000 },
+                             { "DICTIONARY", KcDbVersion::R13 },   { "XRECORD", KcDbVersion::R13 },
+                             { "GROUP", KcDbVersion::R13 } };
 
 Result write(KcDbDatabase& database, Pieces& pieces)
 {
     Result result;
     updateBlockMarks(database);
+    completeSequences(database);
     auto* file = dynamic_cast<SourceFile*>(database.file());
     try {
         if (file) {
@@ -38,8 +42,9 @@ Result write(KcDbDatabase& database, Pieces& pieces)
                 result.ok = true;
                 return result;
             }
-            result.notes.push_back(QStringLiteral("The drawing is saved in version 2010, because version %1 cannot hold %2.")
-                                       .arg(versionText(file->version), obstacle));
+            result.notes.push_back(
+                QStringLiteral("The drawing is saved in version 2010, because version %1 cannot hold %2.")
+                    .arg(versionText(file->version), obstacle));
         }
         writeAnew(database, KcDbVersion::V2010, pieces, result.notes);
         result.ok = true;
@@ -57,17 +62,24 @@ QString obstacleTo(KcDbDatabase& database, KcDbVersion version)
 {
     if (version >= KcDbVersion::V2000)
         return {};
+    QString obstacle;
     for (const KcDbObjectStub& stub : database.stubs()) {
+        // What is drawn tells the user more than what stands behind it.
+        const bool isEntity = stub.object && stub.object->isKindOf(KcDbEntity::desc());
+        if (!obstacle.isEmpty() && !isEntity)
+            continue;
         if (!stub.object || (stub.flags & KcDbObjectStub::kLoaded) || !isWritten(stub))
             continue;
         const std::string name = fileNameOf(*stub.object);
         for (const Since& since : kSince)
             if (name == since.fileName && version < since.version)
-                return QStringLiteral("an object of the kind %1").arg(QString::fromStdString(name));
+                obstacle = QStringLiteral("an object of the kind %1").arg(QString::fromStdString(name));
+        if (isEntity && !obstacle.isEmpty())
+            return obstacle;
         if (version == KcDbVersion::R12 && !stub.object->extensionDictionary().isNull())
-            return QStringLiteral("extension dictionaries");
+            obstacle = QStringLiteral("extension dictionaries");
     }
-    return {};
+    return obstacle;
 }
 
 Result saveDrawing(KcDbDatabase& database, std::string& bytes)

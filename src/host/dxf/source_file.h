@@ -1,5 +1,5 @@
-// What a database keeps of the file it was read from: the bytes, and where everything stands in them. Saving copies what
-// nobody changed from here.
+// What a database keeps of the file it was read from: the bytes, and where everything stands in them. Saving
+// copies what nobody changed from here.
 #pragma once
 
 #include "db/database.h"
@@ -20,7 +20,8 @@ namespace dxf {
 
 class SourceFile : public KcDbDrawingFile {
 public:
-    /// Room for a file. Of a large one most of the time to read it is the system's making pages; large pages save that.
+    /// Room for a file. Of a large one most of the time to read it is the system's making pages; large pages
+    /// save that.
     class Room {
     public:
         explicit Room(size_t size);
@@ -39,8 +40,11 @@ public:
 
     const char* begin() const { return m_bytes.get(); }
     const char* end() const { return m_bytes.get() + size; }
-    std::string_view all() const { return {m_bytes.get(), size}; }
-    std::string_view record(const KcDbSourcePlace& place) const { return all().substr(place.offset, place.length); }
+    std::string_view all() const { return { m_bytes.get(), size }; }
+    std::string_view record(const KcDbSourcePlace& place) const
+    {
+        return all().substr(place.offset, place.length);
+    }
     uint64_t offsetOf(const char* place) const { return uint64_t(place - begin()); }
 
     size_t size;

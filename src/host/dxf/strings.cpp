@@ -26,7 +26,9 @@ size_t sequenceLength(const unsigned char* p, const unsigned char* end)
     if (*p >= 0xC2 && *p <= 0xDF)
         return continues(1) ? 2 : 0;
     if (*p >= 0xE0 && *p <= 0xEF)
-        return continues(1) && continues(2) && (*p != 0xE0 || p[1] >= 0xA0) && (*p != 0xED || p[1] < 0xA0) ? 3 : 0;
+        return continues(1) && continues(2) && (*p != 0xE0 || p[1] >= 0xA0) && (*p != 0xED || p[1] < 0xA0)
+            ? 3
+            : 0;
     if (*p >= 0xF0 && *p <= 0xF4)
         return continues(1) && continues(2) && continues(3) && (*p != 0xF0 || p[1] >= 0x90)
                 && (*p != 0xF4 || p[1] < 0x90)
@@ -52,7 +54,7 @@ Utf8Census census(std::string_view bytes)
         }
         const size_t length = sequenceLength(p, end);
         if (length == 0)
-            return {false, false};
+            return { false, false };
         result.longSequences |= length >= 3;
         p += length;
     }
@@ -150,7 +152,7 @@ QString Strings::resolveEscapes(const QString& text)
             const char* set = text[i + 1] == u'M' ? multiByteSet(rest[0]) : nullptr;
             if (set && rest.size() >= 5 && hexValue(rest.mid(1, 4)) >= 0) {
                 const int value = hexValue(rest.mid(1, 4));
-                const char pair[2] = {char(value >> 8), char(value)};
+                const char pair[2] = { char(value >> 8), char(value) };
                 if (auto converter = platform::CharacterSet::named(QString::fromLatin1(set))) {
                     result += converter->decode(std::string_view(pair, 2)).text;
                     i += 7;
@@ -180,7 +182,8 @@ std::string Strings::encode(const QString& text) const
     // A lone half of a surrogate pair cannot be written in any set: it becomes an escape of its own.
     const platform::Encoded encoded = m_set.encode(escaped, [](char32_t c) {
         QString escape;
-        const auto unit = [&](char16_t u) { escape += QStringLiteral("\\U+%1").arg(u, 4, 16, QChar(u'0')).toUpper(); };
+        const auto unit
+            = [&](char16_t u) { escape += QStringLiteral("\\U+%1").arg(u, 4, 16, QChar(u'0')).toUpper(); };
         if (QChar::requiresSurrogates(c)) {
             unit(QChar::highSurrogate(c));
             unit(QChar::lowSurrogate(c));

@@ -1,4 +1,5 @@
-// Texts of a drawing file: its character set, and the escapes that the format defines for what the set cannot hold.
+// Texts of a drawing file: its character set, and the escapes that the format defines for what the set cannot
+// hold.
 #pragma once
 
 #include "platform/character_sets.h"
@@ -15,8 +16,8 @@ public:
     /// `codePage` as the file's header names it; `utf8` overrides it.
     Strings(const QString& codePage, bool utf8);
 
-    /// The text of a value: bytes decoded, "\U+XXXX", "\M+nXXXX" and "^X" resolved. Undecodable bytes stand as U+FFFD
-    /// and are counted.
+    /// The text of a value: bytes decoded, "\U+XXXX", "\M+nXXXX" and "^X" resolved. Undecodable bytes stand
+    /// as U+FFFD and are counted.
     QString decode(std::string_view bytes);
     /// The bytes of a value; what the set lacks is escaped as "\U+XXXX", control characters as "^X".
     std::string encode(const QString& text) const;
@@ -33,8 +34,8 @@ private:
     size_t m_undecodable = 0;
 };
 
-/// True when bytes of a file that names a code page are really UTF-8: they are valid, and mean nothing or something
-/// implausible in the code page.
+/// True when bytes of a file that names a code page are really UTF-8: they are valid, and mean nothing or
+/// something implausible in the code page.
 bool looksLikeUtf8(std::string_view bytes, const QString& codePage);
 /// True when the bytes are valid UTF-8; ASCII is.
 bool isValidUtf8(std::string_view bytes);

@@ -13,8 +13,9 @@ void registerLayer()
     using D = KcDbLayerTableRecord::Data;
     registerCodec(std::make_unique<FieldCodec<KcDbLayerTableRecord>>(
         "LAYER",
-        std::vector<Field> {field(6, &D::linetype).name(NameOf::Linetype), field(290, &D::plottable).unless(1.0).sinceVersion(KcDbVersion::V2000),
-            field(370, &D::lineWeight).unless(-3.0).sinceVersion(KcDbVersion::V2000)},
+        std::vector<Field>{ field(6, &D::linetype).name(NameOf::Linetype),
+                            field(290, &D::plottable).unless(1.0).sinceVersion(KcDbVersion::V2000),
+                            field(370, &D::lineWeight).unless(-3.0).sinceVersion(KcDbVersion::V2000) },
         [](KcDbLayerTableRecord& layer, const Group& group, ReadState&) {
             // A layer that is off carries its colour with a minus sign.
             if (group.code == 62) {
@@ -41,7 +42,7 @@ bool readLinetype(KcDbLinetypeTableRecord& type, const Group& group, ReadState& 
 {
     std::vector<KcDbLinetypeTableRecord::Dash>& dashes = type.data().dashes;
     if (group.code == 49) {
-        dashes.push_back({group.real()});
+        dashes.push_back({ group.real() });
         return true;
     }
     if (group.code == 72 || group.code == 73)
@@ -108,7 +109,7 @@ void registerOthers()
     {
         using D = KcDbLinetypeTableRecord::Data;
         registerCodec(std::make_unique<FieldCodec<KcDbLinetypeTableRecord>>(
-            "LTYPE", std::vector<Field> {field(3, &D::description)},
+            "LTYPE", std::vector<Field>{ field(3, &D::description) },
             [](KcDbLinetypeTableRecord& type, const Group& group, ReadState& state) {
                 if (group.code == 40) {
                     type.data().patternLength = group.real();
@@ -122,43 +123,46 @@ void registerOthers()
         using D = KcDbTextStyleTableRecord::Data;
         registerCodec(std::make_unique<FieldCodec<KcDbTextStyleTableRecord>>(
             "STYLE",
-            std::vector<Field> {field(40, &D::fixedHeight), field(41, &D::widthFactor),
-                field(50, &D::obliqueAngle).angle(), field(71, &D::generation), field(42, &D::lastHeight),
-                field(3, &D::font), field(4, &D::bigFont)}));
+            std::vector<Field>{ field(40, &D::fixedHeight), field(41, &D::widthFactor),
+                                field(50, &D::obliqueAngle).angle(), field(71, &D::generation),
+                                field(42, &D::lastHeight), field(3, &D::font), field(4, &D::bigFont) }));
     }
     {
         using D = KcDbDimStyleTableRecord::Data;
         registerCodec(std::make_unique<FieldCodec<KcDbDimStyleTableRecord>>(
             "DIMSTYLE",
-            std::vector<Field> {field(40, &D::overallScale).unless(1.0), field(41, &D::arrowSize).unless(0.18),
-                field(140, &D::textHeight).unless(0.18), field(147, &D::gap).unless(0.09),
-                field(340, &D::textStyle).unless(0.0).sinceVersion(KcDbVersion::R13)}));
+            std::vector<Field>{ field(40, &D::overallScale).unless(1.0),
+                                field(41, &D::arrowSize).unless(0.18),
+                                field(140, &D::textHeight).unless(0.18), field(147, &D::gap).unless(0.09),
+                                field(340, &D::textStyle).unless(0.0).sinceVersion(KcDbVersion::R13) }));
     }
-    registerCodec(std::make_unique<FieldCodec<KcDbRegAppTableRecord>>("APPID", std::vector<Field> {}));
+    registerCodec(std::make_unique<FieldCodec<KcDbRegAppTableRecord>>("APPID", std::vector<Field>{}));
     {
         using D = KcDbUCSTableRecord::Data;
         registerCodec(std::make_unique<FieldCodec<KcDbUCSTableRecord>>(
-            "UCS", std::vector<Field> {field(10, &D::origin), field(11, &D::xAxis), field(12, &D::yAxis)}));
+            "UCS", std::vector<Field>{ field(10, &D::origin), field(11, &D::xAxis), field(12, &D::yAxis) }));
     }
-    registerCodec(std::make_unique<FieldCodec<KcDbViewTableRecord>>("VIEW", std::vector<Field> {}));
+    registerCodec(std::make_unique<FieldCodec<KcDbViewTableRecord>>("VIEW", std::vector<Field>{}));
     {
         using D = KcDbViewportTableRecord::Data;
         registerCodec(std::make_unique<FieldCodec<KcDbViewportTableRecord>>(
-            "VPORT", std::vector<Field> {field(12, &D::viewCenter), field(40, &D::viewHeight), field(41, &D::aspectRatio)},
-            FieldCodec<KcDbViewportTableRecord>::Read(),
-            [](const KcDbViewportTableRecord&, GroupList& out) {
+            "VPORT",
+            std::vector<Field>{ field(12, &D::viewCenter), field(40, &D::viewHeight),
+                                field(41, &D::aspectRatio) },
+            FieldCodec<KcDbViewportTableRecord>::Read(), [](const KcDbViewportTableRecord&, GroupList& out) {
                 // The rest of a plain view from above; groups of a file that was read stay as they are.
-                out.point(10, KcGePoint2d {0, 0}, true);
-                out.point(11, KcGePoint2d {1, 1}, true);
+                out.point(10, KcGePoint2d{ 0, 0 }, true);
+                out.point(11, KcGePoint2d{ 1, 1 }, true);
             }));
     }
     {
         using D = KcDbBlockTableRecord::Data;
         registerCodec(std::make_unique<FieldCodec<KcDbBlockTableRecord>>(
             "BLOCK_RECORD",
-            std::vector<Field> {field(340, &D::layout), field(70, &D::insertUnits).sinceVersion(KcDbVersion::V2007),
+            std::vector<Field>{
+                field(340, &D::layout), field(70, &D::insertUnits).sinceVersion(KcDbVersion::V2007),
                 field(280, &D::explodable).unless(1.0).sinceVersion(KcDbVersion::V2007),
-                field(281, &D::scaleUniformly).unless(0.0).sinceVersion(KcDbVersion::V2007)}));
+                field(281, &D::scaleUniformly).unless(0.0).sinceVersion(KcDbVersion::V2007) }));
     }
 }
 

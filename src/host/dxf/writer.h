@@ -37,14 +37,18 @@ QString obstacleTo(KcDbDatabase& database, KcDbVersion version);
 /// Writes the drawing over the file it was read from.
 void patchFile(KcDbDatabase& database, const SourceFile& file, Pieces& out);
 
-/// Writes the whole drawing anew as text in version 2010 or later. Throws FileError, naming the object, when something
-/// in it cannot be carried over.
+/// Writes the whole drawing anew as text in version 2010 or later. Throws FileError, naming the object, when
+/// something in it cannot be carried over.
 void writeAnew(KcDbDatabase& database, KcDbVersion version, Pieces& out, QStringList& notes);
 
 /// Brings the block marks in line with their blocks' records (name, origin, flags).
 void updateBlockMarks(KcDbDatabase& database);
 
-/// The lines of the classes section for a kind of object that needs an entry there; empty for the built-in kinds.
+/// Gives old-style polylines that were made in memory the end mark that follows their vertices.
+void completeSequences(KcDbDatabase& database);
+
+/// The lines of the classes section for a kind of object that needs an entry there; empty for the built-in
+/// kinds.
 struct ClassEntry {
     const char *fileName, *className, *application;
     int flags;

@@ -12,8 +12,8 @@ inline bool isWritten(const KcDbObjectStub& stub)
         && (!(stub.flags & KcDbObjectStub::kImplicit) || stub.object->sourcePlace().changed);
 }
 
-/// True for an object that was read again only to be compared with what it has become; it is in no drawing, and what
-/// it refers to counts as it was, erased since or not.
+/// True for an object that was read again only to be compared with what it has become; it is in no drawing,
+/// and what it refers to counts as it was, erased since or not.
 inline bool isComparison(const KcDbObject& object)
 {
     return object.objectId().isNull();
