@@ -62,24 +62,24 @@ QString obstacleTo(KcDbDatabase& database, KcDbVersion version)
 {
     if (version >= KcDbVersion::V2000)
         return {};
-    QString obstacle;
+    // What is drawn tells the user more than what stands behind it.
+    QString behind;
     for (const KcDbObjectStub& stub : database.stubs()) {
-        // What is drawn tells the user more than what stands behind it.
-        const bool isEntity = stub.object && stub.object->isKindOf(KcDbEntity::desc());
-        if (!obstacle.isEmpty() && !isEntity)
-            continue;
         if (!stub.object || (stub.flags & KcDbObjectStub::kLoaded) || !isWritten(stub))
             continue;
         const std::string name = fileNameOf(*stub.object);
-        for (const Since& since : kSince)
-            if (name == since.fileName && version < since.version)
-                obstacle = QStringLiteral("an object of the kind %1").arg(QString::fromStdString(name));
-        if (isEntity && !obstacle.isEmpty())
-            return obstacle;
-        if (version == KcDbVersion::R12 && !stub.object->extensionDictionary().isNull())
-            obstacle = QStringLiteral("extension dictionaries");
+        const auto since = std::find_if(
+            std::begin(kSince), std::end(kSince), [&](const Since& row) { return row.fileName == name; });
+        if (since != std::end(kSince) && version < since->version) {
+            const QString text = QStringLiteral("an object of the kind %1").arg(QString::fromStdString(name));
+            if (stub.object->isKindOf(KcDbEntity::desc()))
+                return text;
+            behind = text;
+        } else if (version == KcDbVersion::R12 && !stub.object->extensionDictionary().isNull()) {
+            behind = QStringLiteral("extension dictionaries");
+        }
     }
-    return obstacle;
+    return behind;
 }
 
 Result saveDrawing(KcDbDatabase& database, std::string& bytes)
