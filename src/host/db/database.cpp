@@ -26,14 +26,17 @@ KcDbDatabase::~KcDbDatabase()
 KcDbObjectStub*& KcDbDatabase::slot(KcDbHandle handle)
 {
     const KcDbHandle page = handle >> kPageBits;
-    if (page != m_lastPage) {
-        std::unique_ptr<Page>& data = m_pages[page];
-        if (!data)
-            data = std::make_unique<Page>();
-        m_lastPage = page;
-        m_lastPageData = data.get();
+    std::unique_ptr<Page>* data;
+    if (page < kNearPages) {
+        if (page >= m_nearPages.size())
+            m_nearPages.resize(size_t(page) + 1);
+        data = &m_nearPages[size_t(page)];
+    } else {
+        data = &m_farPages[page];
     }
-    return (*m_lastPageData)[handle & ((KcDbHandle(1) << kPageBits) - 1)];
+    if (!*data)
+        *data = std::make_unique<Page>();
+    return (**data)[handle & ((KcDbHandle(1) << kPageBits) - 1)];
 }
 
 KcDbObjectStub& KcDbDatabase::newStub(KcDbHandle handle)
@@ -118,10 +121,15 @@ KcDbObjectId KcDbDatabase::idForHandle(KcDbHandle handle)
 
 KcDbObjectId KcDbDatabase::findHandle(KcDbHandle handle) const
 {
-    const auto page = m_pages.find(handle >> kPageBits);
-    if (handle == 0 || page == m_pages.end())
+    const KcDbHandle number = handle >> kPageBits;
+    const Page* page = nullptr;
+    if (number < m_nearPages.size())
+        page = m_nearPages[size_t(number)].get();
+    else if (const auto far = m_farPages.find(number); far != m_farPages.end())
+        page = far->second.get();
+    if (handle == 0 || !page)
         return {};
-    KcDbObjectStub* stub = (*page->second)[handle & ((KcDbHandle(1) << kPageBits) - 1)];
+    KcDbObjectStub* stub = (*page)[handle & ((KcDbHandle(1) << kPageBits) - 1)];
     return stub && stub->object ? KcDbObjectId(stub) : KcDbObjectId();
 }
 

@@ -169,9 +169,9 @@ private:
     // Handles are nearly dense, so pages of consecutive ones serve better than a hash.
     static constexpr int kPageBits = 10;
     using Page = std::array<KcDbObjectStub*, size_t(1) << kPageBits>;
-    std::unordered_map<KcDbHandle, std::unique_ptr<Page>> m_pages;
-    KcDbHandle m_lastPage = ~KcDbHandle(0);
-    Page* m_lastPageData = nullptr;
+    static constexpr KcDbHandle kNearPages = KcDbHandle(1) << 16; // 67 million handles
+    std::vector<std::unique_ptr<Page>> m_nearPages;
+    std::unordered_map<KcDbHandle, std::unique_ptr<Page>> m_farPages; // of drawings with gigantic handles
 
     std::deque<KcDbObjectStub> m_stubs;
     KcDbHandle m_nextHandle = 1;
