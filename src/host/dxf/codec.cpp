@@ -124,7 +124,9 @@ Codecs& table()
 const Codecs& codecs()
 {
     static const bool built = [] {
-        registerEntityCodecs();
+        registerCurveCodecs();
+        registerTextCodecs();
+        registerReferenceCodecs();
         registerHatchCodec();
         registerTableRecordCodecs();
         registerObjectCodecs();

@@ -95,7 +95,9 @@ const Codec* codecFor(const KcDbObject& object);
 /// Adds a codec; called while the table of codecs is built.
 void registerCodec(std::unique_ptr<Codec> codec);
 /// Each source file of codecs has one function that registers its codecs; codecs.cpp calls them all.
-void registerEntityCodecs();
+void registerCurveCodecs();
+void registerTextCodecs();
+void registerReferenceCodecs();
 void registerHatchCodec();
 void registerTableRecordCodecs();
 void registerObjectCodecs();
@@ -257,15 +259,18 @@ public:
     /// Takes groups before the table does; true when it took the group.
     using Read = std::function<bool(T&, const Group&, ReadState&)>;
     using Write = std::function<void(const T&, GroupList&)>;
-    using Finish = std::function<void(T&, ReadState&)>;
+    /// Whether `write` adds to the groups of the table, or writes all of them because sequences stand
+    /// between.
+    enum class Writes { kBehindTable, kInsteadOfTable };
 
     FieldCodec(
-        std::string fileName, std::vector<Field> fields, Read read = {}, Write write = {}, Finish finish = {})
+        std::string fileName, std::vector<Field> fields, Read read = {}, Write write = {},
+        Writes writes = Writes::kBehindTable)
         : Codec(std::move(fileName), T::desc())
         , m_table(std::move(fields))
         , m_read(std::move(read))
         , m_write(std::move(write))
-        , m_finish(std::move(finish))
+        , m_writes(writes)
     {
     }
 
@@ -278,16 +283,12 @@ public:
         std::byte* const parts[2] = { first(t), second(t) };
         return m_table.read(parts, group, state.context);
     }
-    void finish(KcDbObject& object, ReadState& state) const override
-    {
-        if (m_finish)
-            m_finish(static_cast<T&>(object), state);
-    }
     void write(const KcDbObject& object, GroupList& out) const override
     {
         T& t = const_cast<T&>(static_cast<const T&>(object));
         const std::byte* const parts[2] = { first(t), second(t) };
-        m_table.write(parts, out);
+        if (m_writes == Writes::kBehindTable)
+            m_table.write(parts, out);
         if (m_write)
             m_write(static_cast<const T&>(object), out);
     }
@@ -311,7 +312,7 @@ private:
     FieldTable m_table;
     Read m_read;
     Write m_write;
-    Finish m_finish;
+    Writes m_writes;
 };
 
 } // namespace dxf

@@ -395,20 +395,12 @@ void writeHatch(const KcDbHatch& hatch, GroupList& out)
 void registerHatchCodec()
 {
     using D = KcDbHatch::Data;
-    class HatchCodec : public FieldCodec<KcDbHatch> {
-    public:
-        using FieldCodec::FieldCodec;
-        void write(const KcDbObject& object, GroupList& out) const override
-        {
-            writeHatch(static_cast<const KcDbHatch&>(object), out);
-        }
-    };
-    registerCodec(std::make_unique<HatchCodec>(
+    registerCodec(std::make_unique<FieldCodec<KcDbHatch>>(
         "HATCH",
         std::vector<Field>{ field(210, &D::normal), field(2, &D::patternName), field(70, &D::solid),
                             field(71, &D::associative), field(52, &D::patternAngle).angle(),
                             field(41, &D::patternScale), field(77, &D::doubled), field(47, &D::pixelSize) },
-        readHatch));
+        readHatch, writeHatch, FieldCodec<KcDbHatch>::Writes::kInsteadOfTable));
 }
 
 } // namespace dxf
