@@ -8,8 +8,8 @@
 #include <vector>
 
 /// Takes an entity into model space and gives its id. Tables come with their graphics. An entity without a
-/// layer gets the current properties of the drawing. `close` says that nobody goes on with the open entity;
-/// entities are always closed here, it has no effect.
+/// layer goes to the drawing's current one. `close` says that nobody goes on with the open entity; entities
+/// are always closed here, it has no effect.
 KcDbObjectId
 AppendToModelSpace(std::unique_ptr<KcDbEntity> entity, bool close = true, KcDbDatabase* database = nullptr);
 

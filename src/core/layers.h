@@ -28,8 +28,8 @@ bool GetLayerNameIsOff(QStringList& names, KcDbDatabase* database = nullptr);
 bool GetLayerColor(const QString& name, int& colorIndex, KcDbDatabase* database = nullptr);
 bool GetLayerLineType(const QString& name, QString& lineType, KcDbDatabase* database = nullptr);
 
-/// Makes a layer with an index colour and the line type Continuous and turns it on; one that is there is
-/// turned on and gets the colour. Null for a name that a layer cannot have.
+/// Makes a layer with an index colour and the line type Continuous. One that is there is turned on and
+/// thawed; its colour stays what the user made it. Null for a name that a layer cannot have.
 KcDbObjectId CreateLayer(const QString& name, int color, KcDbDatabase* database = nullptr);
 /// Turns layers on or off; the number that the drawing has.
 int SetLayers(const QStringList& names, bool on, KcDbDatabase* database = nullptr);

@@ -2,6 +2,11 @@
 #pragma once
 
 #include "core/entity.h"
+#include "db/polyline.h"
+
+/// The vertices in world coordinates; control points of splined old-style polylines are left out.
+std::vector<KcGePoint3d> polylineVertices(const KcDbPolyline& polyline);
+std::vector<KcGePoint3d> polylineVertices(const KcDb2dPolyline& polyline);
 
 class CPolyline : public CEntity {
 public:
@@ -11,6 +16,6 @@ public:
     bool GetClosed() const;
     /// True when no segment is an arc.
     bool IsOnlyLines() const;
-    /// The vertices in world coordinates, control points of splined old-style ones left out.
+    /// As `polylineVertices`.
     std::vector<KcGePoint3d> GetVertices() const;
 };
