@@ -3,6 +3,7 @@
 #include "core/text.h"
 
 #include "core/plain_text.h"
+#include "db/database.h"
 #include "db/tables.h"
 #include "db/text.h"
 
