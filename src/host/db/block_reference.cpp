@@ -62,8 +62,7 @@ bool keepsBoxes(const KcGeMatrix3d& m)
     return true;
 }
 
-// Boxes of definitions
-// -------------------------------------------------------------------------------------------------
+// Boxes of definitions.
 
 /// Blocks whose boxes are being computed: one that contains itself adds nothing to its own box. Deeper
 /// nesting than the limit is damage and counts as empty.
@@ -221,8 +220,7 @@ KcGeExtents3d KcDbBlockReference::extentsWithoutAttributes() const
     return definitionUnder(KcGeMatrix3d());
 }
 
-// Attributes
-// -----------------------------------------------------------------------------------------------------------
+// Attributes.
 
 const std::vector<KcDbObjectId>& KcDbBlockReference::attributes() const
 {
@@ -263,8 +261,7 @@ std::vector<KcDbObjectId> KcDbBlockReference::subObjects() const
     return result;
 }
 
-// Transforms
-// -----------------------------------------------------------------------------------------------------------
+// Transforms.
 
 Kcad::ErrorStatus KcDbBlockReference::transformBy(const KcGeMatrix3d& matrix)
 {

@@ -21,8 +21,7 @@ KCRX_DEFINE(KcDbSolid, KcDbEntity, "AcDbSolid")
 KCRX_DEFINE(KcDbTrace, KcDbSolid, "AcDbTrace")
 KCRX_DEFINE(KcDbFace, KcDbEntity, "AcDbFace")
 
-// Lines
-// ------------------------------------------------------------------------------------------------------------
+// Lines.
 
 KcGeExtents3d KcDbLine::extentsUnder(const KcGeMatrix3d& matrix) const
 {
@@ -43,8 +42,7 @@ Kcad::ErrorStatus KcDbLine::transformBy(const KcGeMatrix3d& matrix)
     return Kcad::eOk;
 }
 
-// Circles and arcs
-// ---------------------------------------------------------------------------------------------------
+// Circles and arcs.
 
 namespace {
 
@@ -103,8 +101,7 @@ Kcad::ErrorStatus KcDbArc::transformBy(const KcGeMatrix3d& matrix)
     return Kcad::eOk;
 }
 
-// Ellipses
-// -----------------------------------------------------------------------------------------------------------
+// Ellipses.
 
 namespace {
 
@@ -149,8 +146,7 @@ Kcad::ErrorStatus KcDbEllipse::transformBy(const KcGeMatrix3d& matrix)
     return Kcad::eOk;
 }
 
-// Splines
-// ------------------------------------------------------------------------------------------------------------
+// Splines.
 
 KcGeNurbsCurve3d KcDbSpline::curve() const
 {
@@ -204,8 +200,7 @@ KcGePoint3d KcDbSpline::pointAt(double knot) const
     return m_data.fitPoints.empty() ? KcGePoint3d() : m_data.fitPoints.front();
 }
 
-// Infinite lines
-// -----------------------------------------------------------------------------------------------------
+// Infinite lines.
 
 namespace {
 
@@ -241,8 +236,7 @@ Kcad::ErrorStatus KcDbRay::transformBy(const KcGeMatrix3d& matrix)
     return transformInfinite(m_data, matrix);
 }
 
-// Points, filled quadrilaterals, faces
-// ---------------------------------------------------------------------------------
+// Points, filled quadrilaterals, faces.
 
 KcGeExtents3d KcDbPoint::extentsUnder(const KcGeMatrix3d& matrix) const
 {

@@ -62,7 +62,7 @@ public:
     KcDbDatabase(const KcDbDatabase&) = delete;
     KcDbDatabase& operator=(const KcDbDatabase&) = delete;
 
-    // Objects ------------------------------------------------------------------------------------------------------
+    // Objects.
 
     /// Takes an object into the drawing under a new handle. Owners' own operations (append to a block, add to a
     /// dictionary or table) call it; `owner` is recorded as the owner.
@@ -84,7 +84,7 @@ public:
     const std::deque<KcDbObjectStub>& stubs() const { return m_stubs; }
     std::deque<KcDbObjectStub>& stubs() { return m_stubs; }
 
-    // Roots ---------------------------------------------------------------------------------------------------------
+    // Roots.
 
     KcDbObjectId layerTable() const { return m_layerTable; }
     KcDbObjectId linetypeTable() const { return m_linetypeTable; }
@@ -116,7 +116,7 @@ public:
     KcDbObjectId currentLinetype() const;
     KcDbObjectId byLayerLinetype() const;
 
-    // State ---------------------------------------------------------------------------------------------------------
+    // State.
 
     KcDbUndo& undo() { return m_undo; }
     void addListener(KcDbListener* listener);

@@ -96,8 +96,7 @@ KcGeNurbsCurve3d curveOf(const KcDbHatch::SplineEdge& edge)
     return KcGeNurbsCurve3d::throughPoints(points, ends).value_or(KcGeNurbsCurve3d());
 }
 
-// Areas
-// ------------------------------------------------------------------------------------------------------------
+// Areas.
 
 /// One edge as the area needs it: its ends, its share in the signed area, chords that follow it.
 struct Path {
@@ -379,8 +378,7 @@ std::vector<KcDbObjectId> KcDbHatch::getAssocObjIds() const
     return result;
 }
 
-// Boxes and transforms
-// -----------------------------------------------------------------------------------------------
+// Boxes and transforms.
 
 KcGeExtents3d KcDbHatch::extentsUnder(const KcGeMatrix3d& matrix) const
 {

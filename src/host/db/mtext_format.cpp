@@ -392,8 +392,7 @@ private:
     std::vector<KcDbMTextRun> m_runs;
 };
 
-// Setting lines
-// ----------------------------------------------------------------------------------------------------
+// Setting lines.
 
 /// Height of stacked parts as a share of the text's.
 constexpr double kStackHeight = 0.7;

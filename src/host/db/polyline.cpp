@@ -128,8 +128,7 @@ double KcDbPolyline::area() const
     return std::isfinite(area) ? area : 0.0;
 }
 
-// Old-style polylines
-// --------------------------------------------------------------------------------------------------
+// Old-style polylines.
 
 KcGeExtents3d KcDbVertex::extentsUnder(const KcGeMatrix3d&) const
 {

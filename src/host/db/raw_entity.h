@@ -13,6 +13,7 @@ public:
     }
     struct Data {
         KcDbObjectId block; ///< the block that shows it (dimensions, tables of other programs); null: none
+        KcDbObjectId dimStyle; ///< of a dimension
         KcGeExtents3d points; ///< box of the points that its groups hold
         std::vector<KcDbObjectId> owned; ///< objects that go with it
     };

@@ -122,7 +122,7 @@ KcDbObjectId KcDbTable::append(KcDbObjectId block, std::unique_ptr<KcDbTable> ta
     return id;
 }
 
-// Cells -------------------------------------------------------------------------------------------
+// Cells.
 
 KcDbTableCell* KcDbTable::at(int row, int column)
 {
@@ -190,7 +190,7 @@ void KcDbTable::beforeChange()
     }
 }
 
-// Size --------------------------------------------------------------------------------------------
+// Size.
 
 Kcad::ErrorStatus KcDbTable::setSize(int rows, int columns)
 {
@@ -365,7 +365,7 @@ Kcad::ErrorStatus KcDbTable::setColumnName(int column, const QString& name)
     return Kcad::eOk;
 }
 
-// Merged areas ------------------------------------------------------------------------------------
+// Merged areas.
 
 std::optional<KcDbCellRange> KcDbTable::mergeAt(int row, int column) const
 {
@@ -421,7 +421,7 @@ Kcad::ErrorStatus KcDbTable::unmergeCells(int minRow, int maxRow, int minColumn,
     return Kcad::eOk;
 }
 
-// Content -----------------------------------------------------------------------------------------
+// Content.
 
 QString KcDbTable::textString(int row, int column) const
 {
@@ -508,7 +508,7 @@ Kcad::ErrorStatus KcDbTable::setCellState(int row, int column, int state)
     return status;
 }
 
-// Looks -------------------------------------------------------------------------------------------
+// Looks.
 
 void KcDbTable::setTableStyle(KcDbObjectId style)
 {
@@ -740,7 +740,7 @@ void KcDbTable::setMargins(double horizontal, double vertical)
     m_table.verticalMargin = vertical;
 }
 
-// Place -------------------------------------------------------------------------------------------
+// Place.
 
 void KcDbTable::setDirection(KcGeVector3d direction)
 {
@@ -821,7 +821,7 @@ Kcad::ErrorStatus KcDbTable::transformBy(const KcGeMatrix3d& matrix)
     return Kcad::eOk;
 }
 
-// The record --------------------------------------------------------------------------------------
+// The record.
 
 KcDbValueList KcDbTable::recordValues() const
 {

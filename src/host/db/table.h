@@ -109,7 +109,7 @@ public:
     /// alone leaves a table without graphics until `recomputeTableBlock`.
     static KcDbObjectId append(KcDbObjectId block, std::unique_ptr<KcDbTable> table);
 
-    // Size ----------------------------------------------------------------------------------------
+    // Size.
 
     int numRows() const { return int(m_table.rows.size()); }
     int numColumns() const { return int(m_table.columns.size()); }
@@ -139,7 +139,7 @@ public:
     QString columnName(int column) const;
     Kcad::ErrorStatus setColumnName(int column, const QString& name);
 
-    // Merged areas --------------------------------------------------------------------------------
+    // Merged areas.
 
     /// True when the cell is part of a merged area, whose corners go to the arguments that are given. The
     /// corners of an unmerged cell are the cell itself.
@@ -152,7 +152,7 @@ public:
     /// Ends every merged area that touches the cells.
     Kcad::ErrorStatus unmergeCells(int minRow, int maxRow, int minColumn, int maxColumn);
 
-    // Content -------------------------------------------------------------------------------------
+    // Content.
 
     const KcDbTableCell& cell(int row, int column) const;
     /// The text as held, format codes included.
@@ -172,7 +172,7 @@ public:
     int cellState(int row, int column) const;
     Kcad::ErrorStatus setCellState(int row, int column, int state);
 
-    // Looks ---------------------------------------------------------------------------------------
+    // Looks.
 
     KcDbObjectId tableStyle() const { return m_table.style; }
     void setTableStyle(KcDbObjectId style);
@@ -213,7 +213,7 @@ public:
     double verticalMargin() const;
     void setMargins(double horizontal, double vertical);
 
-    // Place ---------------------------------------------------------------------------------------
+    // Place.
 
     KcGeVector3d direction() const { return m_table.direction; }
     /// Turns the rows into this direction, world coordinates, about the table's position. A vector without
@@ -222,7 +222,7 @@ public:
     bool isUpward() const;
     void setUpward(bool upward);
 
-    // Graphics ------------------------------------------------------------------------------------
+    // Graphics.
 
     /// Computes row heights from the content and draws the table anew into its anonymous block. Needed after
     /// changes to a table of a drawing. The table must be open for writing. eNotInDatabase for a table in no

@@ -88,8 +88,7 @@ KcGi::TextStyle kcdbFontOfStyle(KcDbObjectId style, const KcDbDatabase* database
     return result;
 }
 
-// Control codes
-// ------------------------------------------------------------------------------------------------------
+// Control codes.
 
 QString KcDbText::escapedCharacter(QStringView text, qsizetype& length)
 {
@@ -196,8 +195,7 @@ QString KcDbText::plainText() const
     return resolved(m_data.text);
 }
 
-// Places
-// ---------------------------------------------------------------------------------------------------------------
+// Places.
 
 void KcDbText::setTextString(const QString& text)
 {
@@ -327,8 +325,7 @@ Kcad::ErrorStatus KcDbText::transformBy(const KcGeMatrix3d& matrix)
     return Kcad::eOk;
 }
 
-// Attributes
-// -----------------------------------------------------------------------------------------------------------
+// Attributes.
 
 KcGeExtents3d KcDbAttribute::extentsUnder(const KcGeMatrix3d& matrix) const
 {

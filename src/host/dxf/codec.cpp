@@ -8,8 +8,7 @@
 
 namespace dxf {
 
-// Names
-// ---------------------------------------------------------------------------------------------------------------
+// Names.
 
 namespace {
 
@@ -104,8 +103,7 @@ void ReadContext::finding(int number, KcDbHandle object, const QString& text)
         database.addFinding({ number, false, object, text });
 }
 
-// Codecs
-// --------------------------------------------------------------------------------------------------------------
+// Codecs.
 
 namespace {
 
@@ -165,8 +163,7 @@ const Codec* codecFor(const KcDbObject& object)
     return nullptr;
 }
 
-// Fields
-// --------------------------------------------------------------------------------------------------------------
+// Fields.
 
 FieldTable::FieldTable(std::vector<Field> fields)
     : m_fields(std::move(fields))

@@ -103,8 +103,7 @@ void registerTableRecordCodecs();
 void registerObjectCodecs();
 void registerTableCodecs();
 
-// Tables of fields
-// ------------------------------------------------------------------------------------------------------
+// Tables of fields.
 
 enum class FieldType : uint8_t {
     Subclass,

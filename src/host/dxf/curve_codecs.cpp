@@ -22,7 +22,7 @@ bool setComponent(KcGePoint3d& point, int component, const Group& group)
     return true;
 }
 
-// Simple curves --------------------
+// Simple curves.
 
 void registerCurves()
 {
@@ -122,7 +122,7 @@ void registerFilled()
         [](const KcDbFace& face, GroupList& out) { writeCorners(face, out); });
 }
 
-// Splines --------------------
+// Splines.
 
 bool readSpline(KcDbSpline& spline, const Group& group, ReadState&)
 {
@@ -211,7 +211,7 @@ void registerSpline()
         readSpline, writeSpline, FieldCodec<KcDbSpline>::Writes::kInsteadOfTable));
 }
 
-// Polylines --------------------
+// Polylines.
 
 bool readLightPolyline(KcDbPolyline& polyline, const Group& group, ReadState&)
 {

@@ -36,6 +36,12 @@ public:
         }
     }
 
+    ~NewWriter()
+    {
+        for (KcDbObjectStub* stub : m_onlyImplied)
+            setChanged(*stub, false);
+    }
+
     void write(Pieces& out)
     {
         becomeWhole();
@@ -58,33 +64,45 @@ private:
             group(g);
     }
 
-    /// Everything that was only implied is written now.
+    /// Everything that was only implied is written now; that does not make it a change of the drawing.
     void becomeWhole()
     {
         m_database.completeFrame();
         for (const char* name : kTableOrder)
             if (const KcDbObjectId table = m_database.tableNamed(name); table.handle() == 0)
                 m_database.giveHandle(table, 0);
-        for (KcDbObjectStub& stub : m_database.stubs()) {
-            if (!stub.object || !(stub.flags & KcDbObjectStub::kImplicit))
-                continue;
-            KcDbSourcePlace place = stub.object->sourcePlace();
-            place.changed = true;
-            stub.object->setSourcePlace(place);
-        }
         // R12 keeps no records of blocks: definitions get their marks, layouts theirs.
         for (KcDbObjectId id : KcDbRead<KcDbSymbolTable>(m_database.blockTable())->records()) {
-            KcDbWrite<KcDbBlockTableRecord> block(id);
-            if (block->data().begin.isNull())
-                block->data().begin = m_database.addObject(std::make_unique<KcDbBlockBegin>(), id);
-            if (block->data().end.isNull())
-                block->data().end = m_database.addObject(std::make_unique<KcDbBlockEnd>(), id);
+            auto& block = static_cast<KcDbBlockTableRecord&>(*id.stub()->object).data();
+            if (block.begin.isNull())
+                block.begin = addMark(std::make_unique<KcDbBlockBegin>(), id);
+            if (block.end.isNull())
+                block.end = addMark(std::make_unique<KcDbBlockEnd>(), id);
         }
         updateBlockMarks(m_database);
+        for (KcDbObjectStub& stub : m_database.stubs())
+            if (stub.object && (stub.flags & KcDbObjectStub::kImplicit)
+                && !stub.object->sourcePlace().changed) {
+                setChanged(stub, true);
+                m_onlyImplied.push_back(&stub);
+            }
     }
 
-    // Objects
-    // -------------------------------------------------------------------------------------------------------
+    KcDbObjectId addMark(std::unique_ptr<KcDbEntity> mark, KcDbObjectId block)
+    {
+        const KcDbObjectId id = m_database.addObject(std::move(mark), block);
+        KcDbDatabase::markImplicit(id);
+        return id;
+    }
+
+    static void setChanged(KcDbObjectStub& stub, bool changed)
+    {
+        KcDbSourcePlace place = stub.object->sourcePlace();
+        place.changed = changed;
+        stub.object->setSourcePlace(place);
+    }
+
+    // Objects.
 
     void object(const KcDbObject& o, KcDbHandle owner)
     {
@@ -259,8 +277,7 @@ private:
                 object(*id.stub()->object, o.handle());
     }
 
-    // Sections
-    // ------------------------------------------------------------------------------------------------------
+    // Sections.
 
     void section(const char* name)
     {
@@ -393,6 +410,7 @@ private:
     Strings m_strings;
     std::optional<ReadContext> m_context;
     std::string m_out;
+    std::vector<KcDbObjectStub*> m_onlyImplied;
 };
 
 } // namespace

@@ -46,8 +46,7 @@ private:
         std::string text; ///< what comes in their place
     };
 
-    // Records
-    // -------------------------------------------------------------------------------------------------------
+    // Records.
 
     void changeReadRecords()
     {
@@ -163,8 +162,7 @@ private:
         return bytes;
     }
 
-    // New objects
-    // ---------------------------------------------------------------------------------------------------
+    // New objects.
 
     static bool hasPlace(const KcDbObjectStub& stub) { return stub.flags & KcDbObjectStub::kLoaded; }
 
@@ -297,8 +295,7 @@ private:
             addToSection("OBJECTS", std::move(text));
     }
 
-    // Header and classes
-    // --------------------------------------------------------------------------------------------
+    // Header and classes.
 
     void changeHeader()
     {
@@ -379,8 +376,7 @@ private:
             addToSection("CLASSES", std::move(text));
     }
 
-    // Sections
-    // ------------------------------------------------------------------------------------------------------
+    // Sections.
 
     void addToSection(const char* name, std::string text)
     {
@@ -471,8 +467,11 @@ void updateBlockMarks(KcDbDatabase& database)
             data.name = begin->data().name;
         if (data == begin->data())
             continue;
-        KcDbWrite<KcDbBlockBegin> open(block->data().begin);
-        open->data() = data;
+        KcDbObjectStub& mark = *block->data().begin.stub();
+        if (mark.flags & KcDbObjectStub::kLoaded)
+            KcDbWrite<KcDbBlockBegin>(KcDbObjectId(&mark))->data() = data;
+        else // made in memory, and no change by itself
+            static_cast<KcDbBlockBegin&>(*mark.object).data() = data;
     }
 }
 

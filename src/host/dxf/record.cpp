@@ -150,6 +150,10 @@ void readUnknown(KcDbRawEntity& entity, const Group& group, ReadContext& context
         if (d.block.isNull() && entity.fileName().endsWith("DIMENSION"))
             d.block = context.named(NameOf::Block, group);
         return;
+    case 3:
+        if (entity.fileName().endsWith("DIMENSION"))
+            d.dimStyle = context.named(NameOf::DimStyle, group);
+        return;
     case 360:
         d.owned.push_back(context.handle(group));
         return;

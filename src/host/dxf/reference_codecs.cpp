@@ -23,7 +23,7 @@ bool setComponent(KcGePoint3d& point, int component, const Group& group)
     return true;
 }
 
-// Block references --------------------
+// Block references.
 
 bool readInsert(KcDbBlockReference& reference, const Group& group, ReadState&)
 {
@@ -139,7 +139,7 @@ void registerInsert()
         std::make_unique<FieldCodec<KcDbBlockEnd>>("ENDBLK", std::vector<Field>{ subclass("AcDbBlockEnd") }));
 }
 
-// Leaders, viewports, wipeouts --------------------
+// Leaders, viewports, wipeouts.
 
 void writeLeader(const KcDbLeader& object, GroupList& out)
 {

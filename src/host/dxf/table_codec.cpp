@@ -115,7 +115,7 @@ KcDbTypedValue single(const Group& group, ReadContext& context)
     return context.typed(group);
 }
 
-// Reading -----------------------------------------------------------------------------------------
+// Reading.
 
 class TableReader {
 public:
@@ -496,7 +496,7 @@ private:
     std::vector<Span> m_spans;
 };
 
-// Writing -----------------------------------------------------------------------------------------
+// Writing.
 
 void writeChunks(GroupList& out, int chunkCode, int lastCode, const QString& text)
 {

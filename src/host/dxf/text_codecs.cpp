@@ -9,7 +9,7 @@ namespace {
 
 constexpr KcGeVector3d kZ = KcGeVector3d::kZAxis;
 
-// Texts --------------------
+// Texts.
 
 // The fields that texts, attributes and attribute definitions share, in the order in which programs write
 // them.
