@@ -76,6 +76,17 @@ TEST(DrawingConfig, ReadingWritesNothing)
     EXPECT_EQ(drawing.database.version(), KcDbVersion::R12);
 }
 
+TEST(DrawingConfig, SettingSomethingTakesAnOldDrawingToANewerFormat)
+{
+    Drawing drawing(QStringLiteral("pavilion-r12.dxf"));
+    ASSERT_TRUE(SetAreaDimLayer(QStringLiteral("地被")));
+    const auto later = reopened(drawing);
+    QString layer;
+    EXPECT_TRUE(GetAreaDimLayer(layer, later.get()));
+    EXPECT_EQ(layer, QStringLiteral("地被"));
+    EXPECT_EQ(later->version(), KcDbVersion::V2010);
+}
+
 TEST(DrawingConfig, IsUndoneWithTheStep)
 {
     const Root root;
