@@ -5,6 +5,7 @@
 #include "core/commands.h"
 #include "ed/command_stack.h"
 #include "frame/commands.h"
+#include "statistics/commands.h"
 
 #include <vector>
 
@@ -12,6 +13,9 @@ namespace {
 
 constexpr CommandRow table[] = {
     { u"VDHELP", openHelp, 2, "open the help file" },
+    { u"TREENUMTOTABLE", countPlantsIntoTable, 2,
+      "count plant symbols or labels into a tree quantity table" },
+    { u"UPDATETREENUMTOTABLE", updatePlantTables, 2, "count existing tree quantity tables anew" },
     { u"VDLABOUT", showAbout, 2, "say which product and version this is" },
 };
 
