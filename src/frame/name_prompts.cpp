@@ -133,9 +133,8 @@ QString ask(const NamePrompt& what)
     if (!answer || answer->isEmpty())
         return {};
 
-    if (!what.candidates.contains(*answer))
-        if (const auto config = GetDwgGlobal(VdlOpenMode::kForWrite);
-            config && config->GetDimInfo().count(*answer) == 0)
+    if (!what.candidates.contains(*answer) && !areaNamesOfDrawing().contains(*answer))
+        if (const auto config = GetDwgGlobal(VdlOpenMode::kForWrite))
             config->AppendAreaDimInfo(*answer, {});
     QString recent = withRecentName(names, *answer, limit).mid(0, limit).join(u',');
     while (recent.endsWith(u','))

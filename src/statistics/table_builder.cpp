@@ -20,6 +20,9 @@ const QString tableLayer = QStringLiteral("维德-统计表");
 // Rows are this many text heights high, columns this many wide.
 constexpr double rowHeights = 1.7;
 constexpr double columnWidths = 5.0;
+// Between grid lines and content, so that legends and long texts stay clear of the lines. One line of text
+// with both margins still fits a row.
+constexpr double margins = 0.15;
 
 constexpr int middleCentre = 5;
 constexpr int contentLocked = 2;
@@ -165,6 +168,7 @@ bool createTable(TableSettings& settings, const QString& tableName)
     table->setTableStyle(tableStyleId(*database));
     table->setTextHeight(settings.textHeight, kAllRows);
     table->setTextStyle(GetVdlCurrentTextStyle(database), kAllRows);
+    table->setMargins(settings.textHeight * margins, settings.textHeight * margins);
     table->setLayer(InitStdLayer(tableLayer, database));
     buildTableHeader(*table, *layout, settings.rowHeight, settings.columnWidth);
     settings.table = std::move(table);
@@ -180,7 +184,8 @@ TableHeaderRows findHeaderRows(const KcDbTable& table)
         return { 3, false };
     if (sameText(table, 1, 2, 0))
         return { 3, true };
-    return {};
+    // A heading above several columns may stand first; our own tables know their headings.
+    return { table.rowType(2) == kHeaderRow ? 3 : 2, false };
 }
 
 QString tableColumnName(const KcDbTable& table, int headerRows, int column)
@@ -204,4 +209,22 @@ void mergeRepeatedHeadings(KcDbTable& table)
     }
     if (last > first)
         table.mergeCells(1, 1, first, last);
+}
+
+void widenForLongWords(KcDbTable& table, int firstDataRow)
+{
+    KcDbMText text;
+    // As narrow as this, a line ends wherever it may.
+    text.data().width = table.textHeight(firstDataRow, 0) / 1000;
+    for (int row = firstDataRow; row < table.numRows(); ++row)
+        for (int column = 0; column < table.numColumns(); ++column) {
+            text.data().contents = table.textString(row, column);
+            if (text.data().contents.isEmpty() || table.isMergedCell(row, column))
+                continue;
+            text.data().height = table.textHeight(row, column);
+            text.data().style = table.textStyle(row, column);
+            const double needed = text.actualWidth() + 2 * table.horizontalMargin();
+            if (needed > table.columnWidth(column))
+                table.setColumnWidth(column, needed);
+        }
 }

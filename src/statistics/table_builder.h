@@ -49,7 +49,7 @@ void buildTableHeader(KcDbTable& table, const TableLayout& layout, double rowHei
 bool createTable(TableSettings& settings, const QString& tableName);
 
 /// The rows that title and headings take, of a table that may come from another program: 3 when the cell (2,
-/// 0) is merged with the one above or repeats its text, else 2.
+/// 0) is merged with the one above or repeats its text, or when the row is known to hold headings; else 2.
 struct TableHeaderRows {
     int count = 2;
     bool repeatsTexts = false; ///< the second row of headings repeats texts instead of being merged
@@ -62,3 +62,7 @@ QString tableColumnName(const KcDbTable& table, int headerRows, int column);
 /// Merges the headings of a table in which both rows of headings repeat the texts that span them: columns
 /// whose texts agree over both rows, the others, from the first to the last of them, in the upper one.
 void mergeRepeatedHeadings(KcDbTable& table);
+
+/// Widens the columns in which a word of a data row, which cannot be broken, is longer than the cell is wide;
+/// all others stay.
+void widenForLongWords(KcDbTable& table, int firstDataRow);

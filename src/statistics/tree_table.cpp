@@ -102,6 +102,7 @@ void fillTreeTable(KcDbTable& table, DList<CTreeData>& records, double rowHeight
             SetTableTextString(row, column, text, table);
         }
     }
+    widenForLongWords(table, headerRows);
     records.clear();
 }
 
