@@ -585,6 +585,9 @@ Result readBytes(SourceFile::Room bytes, size_t size, KcDbDatabase& database)
     try {
         Reader(database, std::make_shared<SourceFile>(std::move(bytes), size)).read();
         result.ok = true;
+        for (const KcDbFinding& finding : database.findings())
+            if (finding.number == kFindingTruncated)
+                result.notes.push_back(finding.text + QStringLiteral(" It may have been cut short."));
     } catch (const FileError& error) {
         result.error = QString::fromStdString(error.what());
     } catch (const std::bad_alloc&) {
@@ -696,6 +699,8 @@ Result readDrawing(const QString& path, KcDbDatabase& database)
     result = readBytes(std::move(bytes), got, database);
     if (!result.ok)
         result.error = QStringLiteral("%1: %2").arg(path, result.error);
+    for (QString& note : result.notes)
+        note = QStringLiteral("%1: %2").arg(path, note);
     database.setFileName(path);
     return result;
 }
