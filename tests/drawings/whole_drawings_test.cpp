@@ -215,8 +215,9 @@ void expectSame(
     EXPECT_EQ(same.status, 0) << allowed.join(' ').toStdString() << '\n' << same.says.toStdString();
     if (!auditToo)
         return;
-    if (const Verdict sound = audit(a, b); sound.status != kNotChecked)
+    if (const Verdict sound = audit(a, b); sound.status != kNotChecked) {
         EXPECT_EQ(sound.status, 0) << sound.says.toStdString();
+    }
 }
 
 /// Named after its file, so that a failing drawing can be run alone.
@@ -326,8 +327,9 @@ void tableInOldDrawing(const QString& path)
     writeBytes(folder.filePath("before.dxf"), before);
     writeBytes(folder.filePath("after.dxf"), after);
     if (const Verdict sound = audit(folder.filePath("before.dxf"), folder.filePath("after.dxf"));
-        sound.status != kNotChecked)
+        sound.status != kNotChecked) {
         EXPECT_EQ(sound.status, 0) << sound.says.toStdString();
+    }
     drawing->undo().undo();
     EXPECT_TRUE(saveDrawing(*drawing) == before) << "undo does not bring the old drawing back";
 }
