@@ -22,7 +22,7 @@ constexpr double rowHeights = 1.7;
 constexpr double columnWidths = 5.0;
 // Between grid lines and content, so that legends and long texts stay clear of the lines. One line of text
 // with both margins still fits a row.
-constexpr double margins = 0.15;
+constexpr double margins = 0.18;
 
 constexpr int middleCentre = 5;
 constexpr int contentLocked = 2;

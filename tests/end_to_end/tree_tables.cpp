@@ -80,6 +80,38 @@ TEST_F(TreeTables, CountWhatTheDrawingHolds)
     }
 }
 
+// Every text and every legend must lie inside the cell that it is drawn for.
+TEST_F(TreeTables, ContentsFitTheirCells)
+{
+    ASSERT_EQ(play(plan, count).status, 0);
+    const auto drawing = open(result);
+    const KcDbRead<KcDbTable> table(treeTables(*drawing).front());
+    std::vector<KcGeExtents3d> cells;
+    for (int row = 0; row < table->numRows(); ++row)
+        for (int column = 0; column < table->numColumns(); ++column)
+            cells.push_back(table->cellBox(row, column));
+    const double slack = 1e-6; // of rounding, at coordinates of some ten thousands
+    const auto fits = [&](const KcGeExtents3d& box) {
+        return std::any_of(cells.begin(), cells.end(), [&](const KcGeExtents3d& cell) {
+            return box.min.x >= cell.min.x - slack && box.max.x <= cell.max.x + slack
+                && box.min.y >= cell.min.y - slack && box.max.y <= cell.max.y + slack;
+        });
+    };
+    int texts = 0, legends = 0;
+    for (const KcDbObjectId id : *KcDbRead<KcDbBlockTableRecord>(table->blockTableRecord())) {
+        if (const KcDbRead<KcDbMText> text(id); text) {
+            EXPECT_TRUE(fits(text->geomExtents())) << text->data().contents;
+            ++texts;
+        }
+        if (const KcDbRead<KcDbBlockReference> legend(id); legend) {
+            EXPECT_TRUE(fits(legend->geomExtents())) << kcdbRecordName(legend->blockTableRecord());
+            ++legends;
+        }
+    }
+    EXPECT_EQ(legends, 36);
+    EXPECT_GT(texts, 36 * 4);
+}
+
 TEST_F(TreeTables, TakeTheSelectionMadeBefore)
 {
     ASSERT_EQ(play(plan, { "ALL", "TREENUMTOTABLE", "0,0" }).status, 0);

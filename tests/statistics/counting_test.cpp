@@ -1,8 +1,10 @@
 // Counting plants from symbols and labels, and filling and updating tables with the counts.
 #include "core/entity_tags.h"
 #include "ed/session.h"
+#include "ed/status_bar.h"
 #include "frame/entity_tags.h"
 #include "platform/app_root.h"
+#include "statistics/commands.h"
 #include "statistics/plant_count.h"
 #include "statistics/tree_table.h"
 
@@ -58,6 +60,7 @@ protected:
         TableLayout layout{ "T", {} };
         for (const char* name : { "序号", "图例", "名称", "数量", "单位", "高度" })
             layout.columns.push_back({ QString::fromUtf8(name), QString::fromUtf8(name), {} });
+        table->setTextHeight(settings.textHeight, kAllRows);
         buildTableHeader(*table, layout, settings.rowHeight, settings.columnWidth);
         DList<CTreeData> records;
         countPlants(plants, records);
@@ -190,5 +193,58 @@ TEST_F(Counting, UpdateTakesThePresentSizes)
     for (int row = 0; row < open->numRows(); ++row) {
         EXPECT_EQ(open->textHeight(row, 0), settings.textHeight);
         EXPECT_EQ(open->minimumRowHeight(row), settings.rowHeight);
+    }
+}
+
+// Long work shows a meter that begins above its limit and ends with the work.
+TEST_F(Counting, ManySymbolsShowAMeter)
+{
+    struct Sink : KcEdProgressSink {
+        void show(const QString& text, int percent) override { label = text, last = percent; }
+        void clear() override { ++ended; }
+        QString label;
+        int last = -1, ended = 0;
+    } sink;
+    KcEdProgressSink* const before = kcedSetProgressSink(&sink);
+    PlantSelection plants = symbols("A");
+    plants.ids.resize(1000, plants.ids[0]);
+    EXPECT_EQ(counted(plants), "A=1000");
+    EXPECT_EQ(sink.ended, 0);
+    plants.ids.push_back(plants.ids[0]);
+    EXPECT_EQ(counted(plants), "A=1001");
+    EXPECT_EQ(sink.label, "正在分析1001个图块的数据");
+    EXPECT_EQ(sink.last, 100);
+    EXPECT_EQ(sink.ended, 1);
+    kcedSetProgressSink(before);
+}
+
+TEST_F(Counting, ADrawingThatMustNotChangeStaysAsItIs)
+{
+    symbols("A A");
+    const KcDbObjectId old = table(symbols("B"));
+    setEntityTag(*KcDbWrite<KcDbTable>(old), tags::entityType, tags::kind::treeTable);
+    const uint64_t changes = database.changeCount();
+    document.setWriteProtected(true);
+    run(countPlantsIntoTable, { "ALL", "", "0,0" });
+    EXPECT_TRUE(printed.contains("未生成统计表")) << qPrintable(printed);
+    run(updatePlantTables, { "ALL", "", "" });
+    EXPECT_TRUE(printed.contains("统计表未更新")) << qPrintable(printed);
+    EXPECT_EQ(database.changeCount(), changes);
+}
+
+// A word that cannot be broken must not run into the next column; texts that can be broken widen nothing.
+TEST_F(Counting, ColumnsHoldTheirLongestWord)
+{
+    const QString word(30, 'M');
+    const KcDbObjectId longWord = table(symbols("香樟A " + word));
+    const KcDbObjectId sentence
+        = table(labels({ QString(30, u'樟') + "-2", "a b c d e f g h i j k l m n o-3" }));
+    const KcDbRead<KcDbTable> wide(longWord), usual(sentence);
+    EXPECT_GT(wide->columnWidth(2), 30 * 0.5 * settings.textHeight);
+    for (int column = 0; column < wide->numColumns(); ++column) {
+        if (column != 2) {
+            EXPECT_EQ(wide->columnWidth(column), settings.columnWidth);
+        }
+        EXPECT_EQ(usual->columnWidth(column), settings.columnWidth);
     }
 }
