@@ -136,7 +136,7 @@ QString ask(const NamePrompt& what)
     if (!what.candidates.contains(*answer) && !areaNamesOfDrawing().contains(*answer))
         if (const auto config = GetDwgGlobal(VdlOpenMode::kForWrite))
             config->AppendAreaDimInfo(*answer, {});
-    QString recent = withRecentName(names, *answer, limit).mid(0, limit).join(u',');
+    QString recent = withRecentName(names, *answer).mid(0, limit).join(u',');
     while (recent.endsWith(u','))
         recent.chop(1);
     store.WriteText(section, what.recentKey, recent);
@@ -177,15 +177,12 @@ QString nameChoices(const QStringList& names, bool others)
     return text + QStringLiteral("]<%1>:").arg(names.value(0));
 }
 
-QStringList withRecentName(QStringList names, const QString& answer, int limit)
+QStringList withRecentName(QStringList names, const QString& answer)
 {
     const qsizetype at = names.indexOf(answer);
-    if (at > 0)
+    if (at < 0)
+        names.prepend(answer);
+    else
         names.move(at, 0);
-    if (at >= 0)
-        return names;
-    names.prepend(answer);
-    if (names.size() > limit)
-        names.removeLast();
     return names;
 }

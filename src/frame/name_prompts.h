@@ -26,6 +26,5 @@ QString askTreeArrayName();
 /// A new row begins after every thirteenth name.
 QString nameChoices(const QStringList& names, bool others);
 
-/// The list of recent names after an answer: it is in front, and no more names are kept than the limit when
-/// the answer is new.
-QStringList withRecentName(QStringList names, const QString& answer, int limit);
+/// The list of recent names after an answer: it is in front.
+QStringList withRecentName(QStringList names, const QString& answer);
