@@ -93,13 +93,13 @@ void KcDbDatabase::completeFrame()
         KcDbWrite<KcDbBlockTableRecord> record(block);
         record->data().begin = addObject(std::make_unique<KcDbBlockBegin>(), block);
         record->data().end = addObject(std::make_unique<KcDbBlockEnd>(), block);
-        markImplicit(record->data().begin);
-        markImplicit(record->data().end);
         for (KcDbObjectId mark : { record->data().begin, record->data().end })
             if (KcDbWrite<KcDbEntity> entity(mark); entity) {
                 entity->setLayer(kcdbFindRecord(m_layerTable, QStringLiteral("0")));
                 entity->setInPaperSpace(space.paper);
             }
+        markImplicit(record->data().begin);
+        markImplicit(record->data().end);
         auto layout = std::make_unique<KcDbLayout>();
         layout->data().name = QLatin1String(space.layout);
         layout->data().tabOrder = space.paper;

@@ -2,25 +2,11 @@
 
 #include "db/curves.h"
 #include "db/polyline.h"
-#include "dxf/codec.h"
+#include "dxf/codec_tools.h"
 
 namespace dxf {
 
 namespace {
-
-constexpr KcGeVector3d kZ = KcGeVector3d::kZAxis;
-
-template <class T, class... Args> void add(const char* name, Args&&... args)
-{
-    registerCodec(std::make_unique<FieldCodec<T>>(name, std::forward<Args>(args)...));
-}
-
-/// y or z of the point whose x was read last.
-bool setComponent(KcGePoint3d& point, int component, const Group& group)
-{
-    (component == 1 ? point.y : point.z) = group.real();
-    return true;
-}
 
 // Simple curves.
 

@@ -404,7 +404,11 @@ private:
             head.text(0, QStringLiteral("SECTION"));
             head.text(2, QLatin1String(kSectionOrder[i]));
             tail.text(0, QStringLiteral("ENDSEC"));
-            m_edits.push_back({ at, 0, bytesOf(head.groups()) + missing->second + bytesOf(tail.groups()) });
+            const bool needsLineEnd
+                = m_file.form == Form::Text && at == m_file.size && at > 0 && m_file.begin()[at - 1] != '\n';
+            m_edits.push_back({ at, 0,
+                                (needsLineEnd ? m_file.lineEnd : "") + bytesOf(head.groups())
+                                    + missing->second + bytesOf(tail.groups()) });
         }
     }
 
@@ -452,13 +456,15 @@ void updateBlockMarks(KcDbDatabase& database)
     const KcDbRead<KcDbSymbolTable> table(database.blockTable());
     for (KcDbObjectId id : table->records()) {
         const KcDbRead<KcDbBlockTableRecord> block(id);
-        if (block->data().begin.isNull() && isWritten(*id.stub()) && !block->isLayout()) {
+        const bool changed = block->sourcePlace().changed;
+        if (block->data().begin.isNull() && changed && isWritten(*id.stub()) && !block->isLayout()) {
             KcDbWrite<KcDbBlockTableRecord> open(id);
             open->data().begin = database.addObject(std::make_unique<KcDbBlockBegin>(), id);
             open->data().end = database.addObject(std::make_unique<KcDbBlockEnd>(), id);
         }
         const KcDbRead<KcDbBlockBegin> begin(block->data().begin);
-        if (!begin)
+        // Where record and mark of an unchanged block disagree, both stay as the file has them.
+        if (!begin || (!changed && (block->data().begin.stub()->flags & KcDbObjectStub::kLoaded)))
             continue;
         KcDbBlockBegin::Data data{ block->name(), block->origin(), block->data().blockFlags,
                                    block->data().xrefPath, block->data().description };

@@ -63,6 +63,10 @@ public:
             else if (group.code != 999 && m_file->sections.empty())
                 throw FileError(
                     m_cursor.where(group.begin) + ": this is no drawing file (no section begins)");
+            else if (group.code == 0)
+                throw FileError(
+                    m_cursor.where(group.begin) + ": a section was expected, found \""
+                    + std::string(group.trimmed().substr(0, 40)) + "\"");
             if (ended || group.code == 999)
                 continue;
             m_file->endOfSections = m_file->offsetOf(m_cursor.position());

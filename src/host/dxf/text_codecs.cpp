@@ -1,13 +1,11 @@
 // Codecs of texts, attributes and multiline texts.
 
 #include "db/text.h"
-#include "dxf/codec.h"
+#include "dxf/codec_tools.h"
 
 namespace dxf {
 
 namespace {
-
-constexpr KcGeVector3d kZ = KcGeVector3d::kZAxis;
 
 // Texts.
 
