@@ -22,22 +22,6 @@ namespace drawing_test {
 
 inline const QString kDrawings = QStringLiteral(VERDELIS_TEST_DATA "/drawings/");
 
-/// The project's drawings, and those of the folder that VERDELIS_CORPUS names, if it names one.
-inline QStringList allDrawings()
-{
-    QStringList folders{ kDrawings };
-    if (const QString more = qEnvironmentVariable("VERDELIS_CORPUS"); !more.isEmpty())
-        folders += more;
-    QStringList all;
-    for (const QString& folder : folders) {
-        const QDir directory(folder);
-        for (const QString& name : directory.entryList({ QStringLiteral("*.dxf") }, QDir::Files, QDir::Name))
-            all += directory.filePath(name);
-    }
-    EXPECT_GT(all.size(), 20) << "the drawings are not where they should be";
-    return all;
-}
-
 inline std::string readBytes(const QString& path)
 {
     QFile file(path);
@@ -72,6 +56,11 @@ inline std::string saveDrawing(KcDbDatabase& drawing, QStringList* notes = nullp
     return result.ok ? bytes : std::string();
 }
 
+// The system's own interpreter is the one that the system's packages belong to.
+inline const QString kPython = QFileInfo::exists(QStringLiteral("/usr/bin/python3"))
+    ? QStringLiteral("/usr/bin/python3")
+    : QStringLiteral("python3");
+
 struct Verdict {
     int status = -1;
     QString says;
@@ -81,12 +70,8 @@ inline Verdict judge(const char* script, const QStringList& arguments)
 {
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
-    // The system's own interpreter is the one that the system's packages belong to.
-    const QString python = QFileInfo::exists(QStringLiteral("/usr/bin/python3"))
-        ? QStringLiteral("/usr/bin/python3")
-        : QStringLiteral("python3");
     process.start(
-        python,
+        kPython,
         QStringList{ QStringLiteral("-B"), QStringLiteral(VERDELIS_SOURCE_DIR "/tests/drawings/") + script }
             + arguments);
     if (!process.waitForFinished(120000))
