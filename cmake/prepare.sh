@@ -2,7 +2,7 @@
 # Sourced with the repository as working directory. Steps that have nothing to do print nothing.
 
 packages="g++ cmake ninja-build ccache pkg-config qt6-base-dev libqt6svg6-dev libicu-dev libboost-dev \
-unixodbc-dev odbcinst libsqliteodbc libxlsxwriter-dev libzip-dev libgtest-dev libbenchmark-dev fonts-wqy-microhei"
+unixodbc-dev odbcinst libsqliteodbc libxlsxwriter-dev libzip-dev libgtest-dev fonts-wqy-microhei"
 test_packages="python3 python3-ezdxf python3-openpyxl xvfb xauth"
 
 # A locale that can hold Chinese, where the environment has none.

@@ -388,6 +388,9 @@ private:
 
     void addMissingSections()
     {
+        // A file that was cut short may lack the end of its last line.
+        bool needsLineEnd
+            = m_file.form == Form::Text && m_file.size > 0 && m_file.begin()[m_file.size - 1] != '\n';
         for (size_t i = 0; i < std::size(kSectionOrder); ++i) {
             const auto missing = m_missing.find(kSectionOrder[i]);
             if (missing == m_missing.end())
@@ -404,10 +407,10 @@ private:
             head.text(0, QStringLiteral("SECTION"));
             head.text(2, QLatin1String(kSectionOrder[i]));
             tail.text(0, QStringLiteral("ENDSEC"));
-            const bool needsLineEnd
-                = m_file.form == Form::Text && at == m_file.size && at > 0 && m_file.begin()[at - 1] != '\n';
+            const bool endsLine = needsLineEnd && at == m_file.size;
+            needsLineEnd = needsLineEnd && !endsLine;
             m_edits.push_back({ at, 0,
-                                (needsLineEnd ? m_file.lineEnd : "") + bytesOf(head.groups())
+                                (endsLine ? m_file.lineEnd : "") + bytesOf(head.groups())
                                     + missing->second + bytesOf(tail.groups()) });
         }
     }

@@ -86,6 +86,7 @@ public:
         reportUndefinedNames();
         m_database.completeFrame();
         KcDbModuleObject::reviveAll(m_database);
+        m_file->changeCount = m_database.changeCount();
         m_database.setFile(m_file);
     }
 
@@ -332,7 +333,10 @@ private:
             }
             if (table.isNull() || !codec) {
                 Group skipped;
-                while (m_cursor.next(skipped) && skipped.code != 0) { }
+                do {
+                    if (!m_cursor.next(skipped))
+                        truncated("a table");
+                } while (skipped.code != 0);
                 m_cursor.back(skipped);
             } else {
                 takeTableRecord(group, table, codec);

@@ -243,7 +243,7 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
             cursor.back(group);
             goto done;
         case 5:
-            if (state.subclassCount == 0 && !isDimStyle) {
+            if (state.subclassCount == 0 && !isDimStyle && head.handle == 0) {
                 head.handle = state.handle = group.handle();
                 continue;
             }

@@ -31,6 +31,12 @@ constexpr Since kSince[] = { { "LWPOLYLINE", KcDbVersion::R14 },   { "HATCH", Kc
 Result write(KcDbDatabase& database, Pieces& pieces)
 {
     Result result;
+    if (const auto* read = dynamic_cast<SourceFile*>(database.file());
+        read && read->changeCount == database.changeCount()) {
+        pieces.add(read->all()); // nothing was touched since
+        result.ok = true;
+        return result;
+    }
     updateBlockMarks(database);
     completeSequences(database);
     auto* file = dynamic_cast<SourceFile*>(database.file());

@@ -52,6 +52,7 @@ public:
     KcDbVersion version = KcDbVersion::R12;
     std::unique_ptr<Strings> strings;
     const char* lineEnd = "\n";
+    uint64_t changeCount = 0; ///< the database's, when it had been read
 
     struct Span {
         uint64_t begin = 0, end = 0;
