@@ -279,3 +279,12 @@ private:
     mutable bool m_recordRead
         = false; ///< names, states and row types of the extension record are in `m_table`
 };
+
+template <class Change> Kcad::ErrorStatus KcDbTable::changeCell(int row, int column, Change change)
+{
+    if (!isCell(row, column))
+        return Kcad::eInvalidInput;
+    beforeChange();
+    change(*at(row, column));
+    return Kcad::eOk;
+}

@@ -129,6 +129,7 @@ const Codecs& codecs()
         registerTableRecordCodecs();
         registerObjectCodecs();
         registerTableCodecs();
+        registerTableStyleCodecs();
         return true;
     }();
     (void)built;

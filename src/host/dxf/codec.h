@@ -102,6 +102,7 @@ void registerHatchCodec();
 void registerTableRecordCodecs();
 void registerObjectCodecs();
 void registerTableCodecs();
+void registerTableStyleCodecs();
 
 // Tables of fields.
 

@@ -1,6 +1,7 @@
 // Small pieces that several files of codecs share.
 #pragma once
 
+#include "db/symbol_table.h"
 #include "dxf/codec.h"
 
 namespace dxf {
@@ -18,6 +19,19 @@ inline bool setComponent(KcGePoint3d& point, int component, const Group& group)
 {
     (component == 1 ? point.y : point.z) = group.real();
     return true;
+}
+
+/// A colour where the form knows index colours only.
+inline KcCmColor indexColor(const Group& group)
+{
+    return { int16_t(group.integer()), -1 };
+}
+
+/// The name of a text style as an object refers to it.
+inline QString styleName(KcDbObjectId style)
+{
+    const QString name = kcdbRecordName(style);
+    return name.isEmpty() ? QStringLiteral("Standard") : name;
 }
 
 } // namespace dxf
