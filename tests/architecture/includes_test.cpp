@@ -49,8 +49,9 @@ std::vector<Layer> layers()
           with(kHost, { "core", "frame", "controls", "exchange", "statistics", "planting" }) },
         { "layers", "layers", with(kHost, { "core", "frame", "controls", "exchange" }) },
         { "text", "text", with(kHost, { "core", "frame", "controls" }) },
+        { "host/ui", "ui", kHost },
         // The program loads the module; it does not link with it.
-        { "app", "app", kHost },
+        { "app", "app", with(kHost, { "ui" }) },
     };
 }
 

@@ -82,6 +82,18 @@ std::optional<KcEdAnswer> answerFromClick(const KcEdPrompt& prompt, KcGePoint3d 
     }
 }
 
+// The answer if the prompt accepts it; else nothing, and the reason is said.
+std::optional<KcEdAnswer> checked(const KcEdPrompt& prompt, std::optional<KcEdAnswer> answer)
+{
+    if (!answer || !prompt.check)
+        return answer;
+    const QString sentence = prompt.check(*answer);
+    if (sentence.isEmpty())
+        return answer;
+    kcedSay(sentence);
+    return {};
+}
+
 // Counts the prompts that wait, on every way out.
 struct Asking {
     explicit Asking(int& count)
@@ -140,12 +152,9 @@ KcEdAnswer KcEdEditor::ask(const KcEdPrompt& prompt)
         if (std::holds_alternative<KcEdEnd>(event) || std::holds_alternative<KcEdEscape>(event)) {
             answer = KcEdEscape();
         } else if (const auto* click = std::get_if<KcEdClick>(&event)) {
-            answer = answerFromClick(prompt, click->point);
-            if (answer && prompt.check)
-                if (const QString sentence = prompt.check(*answer); !sentence.isEmpty()) {
-                    kcedSay(sentence);
-                    answer.reset();
-                }
+            answer = checked(prompt, answerFromClick(prompt, click->point));
+        } else if (const auto* given = std::get_if<KcEdGiven>(&event)) {
+            answer = checked(prompt, given->answer);
         } else if (const auto* move = std::get_if<KcEdMove>(&event)) {
             if (prompt.kind == KcEdPrompt::Kind::Track)
                 answer = *move;
@@ -186,7 +195,18 @@ void KcEdEditor::run()
         }
         if (const auto* line = std::get_if<KcEdLine>(&event))
             executeLine(*line);
+        else if (const auto* given = std::get_if<KcEdGiven>(&event))
+            executeGiven(*given);
+        else if (std::holds_alternative<KcEdEscape>(event) && kcDocManagerPtr()->curDocument())
+            kcDocManagerPtr()->curDocument()->pickFirst.clear();
     }
+}
+
+void KcEdEditor::executeGiven(const KcEdGiven& given)
+{
+    if (const auto* words = std::get_if<KcEdSelectionLine>(&given.answer))
+        if (const QString sentence = kcedSelectBeforeCommand(*words); !sentence.isEmpty())
+            kcedSay(sentence);
 }
 
 void KcEdEditor::executeLine(const KcEdLine& line)

@@ -26,6 +26,7 @@ private:
     friend class KcEdSourceScope;
 
     void executeLine(const KcEdLine& line);
+    void executeGiven(const KcEdGiven& given);
     void refuse(const KcEdLine& line, const QString& reason);
     std::optional<KcEdAnswer> answerFrom(const KcEdPrompt& prompt, const KcEdLine& line);
 

@@ -19,10 +19,14 @@ struct KcEdLine {
 struct KcEdClick {
     KcGePoint3d point;
 };
+/// An answer that needs no words: a rectangle drawn in a window, an entity under its cursor.
+struct KcEdGiven {
+    KcEdAnswer answer;
+};
 /// Nothing more will come.
 struct KcEdEnd { };
 
-using KcEdEvent = std::variant<KcEdLine, KcEdClick, KcEdMove, KcEdEscape, KcEdEnd>;
+using KcEdEvent = std::variant<KcEdLine, KcEdClick, KcEdMove, KcEdGiven, KcEdEscape, KcEdEnd>;
 
 class KcEdInputSource {
 public:

@@ -1,0 +1,55 @@
+// Waiting in a loop of its own until the user has done something.
+
+#include "ui/window_source.h"
+
+#include <QEventLoop>
+#include <QScopedValueRollback>
+
+void KcUiWindowSource::push(KcEdEvent event)
+{
+    // Of several moves that nobody has looked at, the last one counts.
+    if (std::holds_alternative<KcEdMove>(event) && !m_events.empty()
+        && std::holds_alternative<KcEdMove>(m_events.back()))
+        m_events.pop_back();
+    if (std::holds_alternative<KcEdEscape>(event))
+        m_events.clear();
+    m_events.push_back(std::move(event));
+    if (m_loop)
+        m_loop->quit();
+}
+
+void KcUiWindowSource::finish()
+{
+    m_finished = true;
+    m_events.clear();
+    if (m_loop)
+        m_loop->quit();
+}
+
+void KcUiWindowSource::refused(const KcEdLine&, const QString& reason)
+{
+    if (onRefused)
+        onRefused(reason);
+}
+
+KcEdEvent KcUiWindowSource::read(const KcEdPrompt& prompt)
+{
+    if (m_events.empty() && !m_finished) {
+        QEventLoop loop;
+        const QScopedValueRollback<QEventLoop*> loopScope(m_loop, &loop);
+        const QScopedValueRollback<const KcEdPrompt*> promptScope(m_waiting, &prompt);
+        if (onWaiting)
+            onWaiting(&prompt);
+        // A loop that ends at once with -1 was begun after the program was told to quit.
+        while (m_events.empty() && !m_finished)
+            if (loop.exec() == -1)
+                m_finished = true;
+    }
+    if (onWaiting)
+        onWaiting(nullptr);
+    if (m_finished)
+        return KcEdEnd();
+    KcEdEvent event = std::move(m_events.front());
+    m_events.pop_front();
+    return event;
+}

@@ -1,0 +1,35 @@
+// The window as a source of answers: what the user types, clicks and drags, in the order in which it happened.
+#pragma once
+
+#include "ed/input_source.h"
+
+class QEventLoop;
+
+class KcUiWindowSource : public KcEdInputSource {
+public:
+    /// Told when a prompt begins to wait, and with null when it has its answer.
+    std::function<void(const KcEdPrompt*)> onWaiting;
+    /// Told why a line was not taken.
+    std::function<void(const QString&)> onRefused;
+
+    /// Something the user did. Escape forgets what was done before it and not taken yet.
+    void push(KcEdEvent event);
+    void pushLine(const QString& text) { push(KcEdLine{ text, {}, 0 }); }
+    /// No more answers, ever: the window closes. What waits gets its end, and everything that asks later too.
+    void finish();
+    bool isFinished() const { return m_finished; }
+
+    /// What waits for an answer; null while a command computes.
+    const KcEdPrompt* waiting() const { return m_waiting; }
+
+    void refused(const KcEdLine& line, const QString& reason) override;
+
+protected:
+    KcEdEvent read(const KcEdPrompt& prompt) override;
+
+private:
+    std::deque<KcEdEvent> m_events;
+    const KcEdPrompt* m_waiting = nullptr;
+    QEventLoop* m_loop = nullptr;
+    bool m_finished = false;
+};
