@@ -4,6 +4,7 @@
 
 #include "db/database.h"
 #include "ed/selection_set.h"
+#include "ed/view.h"
 
 class QWidget;
 
@@ -19,6 +20,12 @@ public:
     KcEdSelectionSet pickFirst;
     /// What the last selection prompt gave; "P" selects it again.
     KcEdSelectionSet lastSelection;
+    /// What is shown of each space, by the id of its block; see ed/view.h.
+    struct Views {
+        std::optional<KcEdView> current; ///< none until it is asked for
+        std::vector<KcEdView> before; ///< the latest last
+    };
+    std::map<KcDbObjectId, Views> views;
     /// The last point that was entered, in user coordinates; relative points count from it.
     KcGePoint3d lastPoint;
 

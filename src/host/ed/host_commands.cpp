@@ -110,7 +110,7 @@ void copyObjects()
 
 void regenerate()
 {
-    // Without a window nothing is drawn that could be out of date.
+    kcedRegenerate();
 }
 
 void listObjects()

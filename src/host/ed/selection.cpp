@@ -256,7 +256,7 @@ double kcedPickBoxSize()
 {
     const double pixels = kcedVarReal("PICKBOX", 3.0);
     // The box is PICKBOX pixels to each side of the cursor.
-    return 2.0 * pixels * kcedVarReal("VIEWSIZE", 1.0) / kcedScreenHeight;
+    return 2.0 * pixels * kcedPixelSize();
 }
 
 KcDbObjectId kcedEntityAt(KcGePoint3d point, const KcEdFilter& filter)

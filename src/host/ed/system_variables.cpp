@@ -124,24 +124,6 @@ KcGeExtents3d modelExtents(KcDbDatabase& database)
     return box;
 }
 
-// The view of the drawing's model window, as far as the file holds one; else one that shows everything.
-struct View {
-    KcGePoint3d center;
-    double height = 1.0;
-};
-
-View currentView(KcDbDatabase& database)
-{
-    const KcDbObjectId active = kcdbFindRecord(database.viewportTable(), QStringLiteral("*Active"));
-    if (const KcDbRead<KcDbViewportTableRecord> record(active); record && record->data().viewHeight > 0.0)
-        return { { record->data().viewCenter.x, record->data().viewCenter.y, 0.0 },
-                 record->data().viewHeight };
-    const KcGeExtents3d box = modelExtents(database);
-    if (box.isEmpty() || !(box.height() > 0.0))
-        return {};
-    return { box.center(), box.height() };
-}
-
 QString layoutName(KcDbObjectId block)
 {
     const KcDbRead<KcDbBlockTableRecord> record(block);
@@ -189,10 +171,11 @@ KcEdVarValue computed(KcDbDatabase& database, const QString& name)
         const KcGeExtents3d box = modelExtents(database);
         return box.isEmpty() ? KcGePoint3d() : name == u"EXTMIN" ? box.min : box.max;
     }
-    const View view = currentView(database);
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    const KcEdView view = document ? kcedView(*document) : KcEdView();
     if (name == u"VIEWSIZE")
         return view.height;
-    return database.ucsToWorld().inverse() * view.center;
+    return database.ucsToWorld().inverse() * KcGePoint3d{ view.center.x, view.center.y, 0.0 };
 }
 
 // The value in the type of the variable; nothing when it cannot be.

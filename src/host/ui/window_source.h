@@ -1,4 +1,5 @@
-// The window as a source of answers: what the user types, clicks and drags, in the order in which it happened.
+// The window as a source of answers: what the user types, clicks and drags, in the order in which it
+// happened.
 #pragma once
 
 #include "ed/input_source.h"
