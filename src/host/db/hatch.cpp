@@ -96,276 +96,59 @@ KcGeNurbsCurve3d curveOf(const KcDbHatch::SplineEdge& edge)
     return KcGeNurbsCurve3d::throughPoints(points, ends).value_or(KcGeNurbsCurve3d());
 }
 
-// Areas.
-
-/// One edge as the area needs it: its ends, its share in the signed area, chords that follow it.
-struct Path {
-    KcGePoint2d start, end;
-    double area = 0.0; ///< half the integral of x·dy − y·dx about the hatch's own origin
-    std::vector<KcGePoint2d> chords; ///< from start to end; used for tests of inclusion only
-};
-
-constexpr int kChordsOfTurn = 128;
-
-void addChords(Path& path, const KcGeEllipArc3d& arc)
+/// A loop as pieces in the plane of the hatch.
+std::vector<KcGeFillPiece> piecesOf(const KcDbHatch::Loop& loop)
 {
-    const int n = std::max(1, int(std::ceil(std::abs(arc.sweep) / kTwoPi * kChordsOfTurn)));
-    for (int i = 0; i <= n; ++i)
-        path.chords.push_back(arc.pointAt(arc.start + arc.sweep * i / n).plan());
-    path.start = path.chords.front();
-    path.end = path.chords.back();
-}
-
-Path pathOfArc(const KcGeEllipArc3d& arc)
-{
-    Path path;
-    addChords(path, arc);
-    // The chord's triangle with the origin, and the segment over the chord: half of |u × v|·(sweep − sin
-    // sweep).
-    const double cross = arc.u.x * arc.v.y - arc.u.y * arc.v.x;
-    path.area = path.start.asVector().crossProduct(path.end.asVector()) / 2.0
-        + cross / 2.0 * (arc.sweep - std::sin(arc.sweep));
-    return path;
-}
-
-Path pathOf(const KcDbHatch::LineEdge& edge)
-{
-    return { edge.start,
-             edge.end,
-             edge.start.asVector().crossProduct(edge.end.asVector()) / 2.0,
-             { edge.start, edge.end } };
-}
-
-Path pathOf(const KcDbHatch::ArcEdge& edge)
-{
-    return pathOfArc(ellipticArc(edge));
-}
-
-Path pathOf(const KcDbHatch::EllipseEdge& edge)
-{
-    return pathOfArc(ellipticArc(edge));
-}
-
-Path pathOf(const KcDbHatch::SplineEdge& edge)
-{
-    Path path;
-    const KcGeNurbsCurve3d curve = curveOf(edge);
-    if (!curve.isValid()) {
-        path.area = std::numeric_limits<double>::quiet_NaN();
-        return path;
+    std::vector<KcGeFillPiece> pieces;
+    const size_t n = loop.vertices.size();
+    for (size_t i = 0; i < n && n > 1; ++i) {
+        const KcDbPolyline::Vertex &from = loop.vertices[i], &to = loop.vertices[(i + 1) % n];
+        if (i + 1 == n && !loop.closed)
+            break;
+        const KcGePoint2d start{ from.x, from.y }, end{ to.x, to.y };
+        if (const auto arc = KcGeCircArc2d::fromBulge(start, end, from.bulge))
+            pieces.push_back(
+                kcdbArcInSpace({}, raised(arc->center()), arc->radius(), arc->startAngle(), arc->sweep()));
+        else
+            pieces.push_back(KcGeFillLine{ start, end });
     }
-    const KcGeExtents3d box = curve.extents();
-    for (const KcGePoint3d p : curve.chords(std::max(box.width(), box.height()) / kChordsOfTurn))
-        path.chords.push_back(p.plan());
-    path.start = path.chords.front();
-    path.end = path.chords.back();
-    path.area = curve.planArea();
-    return path;
-}
-
-Path reversed(Path path)
-{
-    std::swap(path.start, path.end);
-    path.area = -path.area;
-    std::reverse(path.chords.begin(), path.chords.end());
-    return path;
-}
-
-/// A closed outline.
-struct Contour {
-    double area = 0.0; ///< positive
-    KcGeExtents2d box;
-    std::vector<KcGePoint2d>
-        chords; ///< the last one is the first one again or lies within the joining tolerance
-};
-
-bool joins(KcGePoint2d a, KcGePoint2d b)
-{
-    return a.distanceTo(b) <= KcGeContext::kJoinedEnds;
-}
-
-/// Chains edges to closed outlines. Edges may stand in any order and direction. Nothing when an outline stays
-/// open.
-std::optional<std::vector<Contour>> chain(std::vector<Path> paths)
-{
-    std::vector<Contour> contours;
-    size_t next = 0;
-    while (next < paths.size()) {
-        const auto startsOrEnds
-            = [](const Path& path, KcGePoint2d p) { return joins(path.start, p) || joins(path.end, p); };
-        Path first = paths[next++];
-        // The first edge may stand the wrong way round: its follower tells.
-        if (next < paths.size() && !joins(first.start, first.end) && !startsOrEnds(paths[next], first.end)
-            && startsOrEnds(paths[next], first.start))
-            first = reversed(std::move(first));
-        Contour contour;
-        contour.area = first.area;
-        contour.chords = first.chords;
-        KcGePoint2d end = first.end;
-        while (!joins(end, first.start)) {
-            size_t found = next;
-            while (found < paths.size() && !startsOrEnds(paths[found], end))
-                ++found;
-            if (found >= paths.size())
-                return std::nullopt;
-            Path path = std::move(paths[found]);
-            if (found != next)
-                paths[found] = std::move(paths[next]);
-            ++next;
-            if (!joins(path.start, end))
-                path = reversed(std::move(path));
-            // The gap that the tolerance bridges is a straight piece of the outline.
-            contour.area += end.asVector().crossProduct(path.start.asVector()) / 2.0 + path.area;
-            contour.chords.insert(contour.chords.end(), path.chords.begin(), path.chords.end());
-            end = path.end;
-        }
-        contour.area = std::abs(contour.area + end.asVector().crossProduct(first.start.asVector()) / 2.0);
-        if (!std::isfinite(contour.area))
-            return std::nullopt;
-        for (const KcGePoint2d p : contour.chords)
-            contour.box.addPoint(p);
-        contours.push_back(std::move(contour));
-    }
-    return contours;
-}
-
-/// Even-odd test against the chords of an outline.
-bool isInside(KcGePoint2d p, const std::vector<KcGePoint2d>& outline)
-{
-    bool inside = false;
-    for (size_t i = 0, j = outline.size() - 1; i < outline.size(); j = i++) {
-        const KcGePoint2d a = outline[i], b = outline[j];
-        if ((a.y > p.y) != (b.y > p.y) && p.x < a.x + (b.x - a.x) * ((p.y - a.y) / (b.y - a.y)))
-            inside = !inside;
-    }
-    return inside;
-}
-
-/// True when most of an outline lies inside another: outlines of one hatch may touch, and chords cut corners.
-bool liesInside(const Contour& inner, const Contour& outer)
-{
-    if (!outer.box.overlaps(inner.box))
-        return false;
-    constexpr size_t kProbes = 32;
-    const size_t step = std::max<size_t>(1, inner.chords.size() / kProbes);
-    int votes = 0;
-    for (size_t i = 0; i + 1 < inner.chords.size(); i += step) {
-        const KcGePoint2d middle = inner.chords[i] + (inner.chords[i + 1] - inner.chords[i]) * 0.5;
-        votes += isInside(middle, outer.chords) ? 1 : -1;
-    }
-    return votes > 0;
-}
-
-/// The edges of a loop about another origin, which keeps the digits of a plan far from the drawing's.
-std::vector<Path> pathsOf(const KcDbHatch::Loop& loop, KcGeVector2d shift)
-{
-    std::vector<Path> paths;
-    if (loop.isPolyline()) {
-        const size_t n = loop.vertices.size();
-        for (size_t i = 0; i < n && n > 1; ++i) {
-            const KcDbPolyline::Vertex &from = loop.vertices[i], &to = loop.vertices[(i + 1) % n];
-            if (i + 1 == n && !loop.closed)
-                break;
-            const KcGePoint2d start = KcGePoint2d{ from.x, from.y } - shift,
-                              end = KcGePoint2d{ to.x, to.y } - shift;
-            if (start == end)
-                continue;
-            if (const auto arc = KcGeCircArc2d::fromBulge(start, end, from.bulge)) {
-                Path path = pathOfArc(kcdbArcInSpace(
-                    {}, raised(arc->center()), arc->radius(), arc->startAngle(), arc->sweep()));
-                // The vertices themselves, not the points computed from the arc, and the flat arc's exact
-                // area.
-                path.start = start;
-                path.end = end;
-                path.area = start.asVector().crossProduct(end.asVector()) / 2.0
-                    + bulgeSegmentArea(start, end, from.bulge);
-                paths.push_back(std::move(path));
-            } else {
-                paths.push_back(pathOf(KcDbHatch::LineEdge{ start, end }));
-            }
-        }
-        return paths;
-    }
-    for (KcDbHatch::Edge edge : loop.edges) {
+    for (const KcDbHatch::Edge& edge : loop.edges)
         std::visit(
-            [&](auto& e) {
+            [&](const auto& e) {
                 using E = std::decay_t<decltype(e)>;
-                if constexpr (std::is_same_v<E, KcDbHatch::LineEdge>) {
-                    e.start = e.start - shift;
-                    e.end = e.end - shift;
-                    if (e.start == e.end)
-                        return;
-                } else if constexpr (std::is_same_v<E, KcDbHatch::SplineEdge>) {
-                    for (KcGePoint2d& p : e.controlPoints)
-                        p = p - shift;
-                    for (KcGePoint2d& p : e.fitPoints)
-                        p = p - shift;
-                } else {
-                    e.center = e.center - shift;
-                }
-                paths.push_back(pathOf(e));
+                if constexpr (std::is_same_v<E, KcDbHatch::LineEdge>)
+                    pieces.push_back(KcGeFillLine{ e.start, e.end });
+                else if constexpr (std::is_same_v<E, KcDbHatch::SplineEdge>)
+                    pieces.push_back(curveOf(e));
+                else
+                    pieces.push_back(ellipticArc(e));
             },
             edge);
-    }
-    return paths;
-}
-
-std::optional<KcGePoint2d> anyPoint(const KcDbHatch::Loop& loop)
-{
-    if (loop.isPolyline())
-        return loop.vertices.empty() ? std::nullopt
-                                     : std::optional(KcGePoint2d{ loop.vertices[0].x, loop.vertices[0].y });
-    if (loop.edges.empty())
-        return std::nullopt;
-    return std::visit(
-        [](const auto& e) -> std::optional<KcGePoint2d> {
-            using E = std::decay_t<decltype(e)>;
-            if constexpr (std::is_same_v<E, KcDbHatch::LineEdge>)
-                return e.start;
-            else if constexpr (std::is_same_v<E, KcDbHatch::SplineEdge>)
-                return e.controlPoints.empty() ? std::nullopt : std::optional(e.controlPoints.front());
-            else
-                return e.center;
-        },
-        loop.edges.front());
+    return pieces;
 }
 
 } // namespace
 
+KcGeFillArea KcDbHatch::fillArea() const
+{
+    std::vector<std::vector<KcGeFillPiece>> loops;
+    for (const Loop& loop : m_data.loops)
+        loops.push_back(piecesOf(loop));
+    return KcGeFillArea(loops);
+}
+
+KcGeHatchStyle KcDbHatch::fillStyle() const
+{
+    return m_data.style == 1 ? KcGeHatchStyle::Outer
+        : m_data.style == 2  ? KcGeHatchStyle::Ignore
+                             : KcGeHatchStyle::Normal;
+}
+
 std::optional<double> KcDbHatch::getArea() const
 {
-    std::vector<Contour> contours;
-    KcGeVector2d shift;
-    for (const Loop& loop : m_data.loops)
-        if (const auto p = anyPoint(loop)) {
-            shift = p->asVector();
-            break;
-        }
-    for (const Loop& loop : m_data.loops) {
-        auto closed = chain(pathsOf(loop, shift));
-        if (!closed || closed->empty())
-            return std::nullopt;
-        for (Contour& contour : *closed) {
-            if (!(contour.area > 0.0))
-                return std::nullopt;
-            contours.push_back(std::move(contour));
-        }
-    }
-    if (contours.empty())
-        return std::nullopt;
-    // Larger ones first: an outline can only lie in one that stands before it.
-    std::stable_sort(
-        contours.begin(), contours.end(), [](const Contour& a, const Contour& b) { return a.area > b.area; });
-    double area = 0.0;
-    for (size_t i = 0; i < contours.size(); ++i) {
-        int depth = 0;
-        for (size_t j = 0; j < i; ++j)
-            depth += liesInside(contours[i], contours[j]) ? 1 : 0;
-        area += depth % 2 ? -contours[i].area : contours[i].area;
-    }
-    if (!(area > 0.0) || !std::isfinite(area))
-        return std::nullopt;
-    return area;
+    const KcGeFillArea area = fillArea();
+    const double value = area.area(fillStyle());
+    return area.isSound() && value > 0.0 ? std::optional(value) : std::nullopt;
 }
 
 std::vector<KcDbObjectId> KcDbHatch::getAssocObjIds() const

@@ -4,6 +4,7 @@
 #include "db/entity.h"
 #include "db/entity_macros.h"
 #include "db/polyline.h"
+#include "ge/hatch_lines.h"
 
 class KcDbHatch : public KcDbEntity {
     KCRX_DECLARE(KcDbHatch)
@@ -48,14 +49,8 @@ public:
         std::vector<KcDbObjectId> sources; ///< the curves that an associative hatch follows
         bool isPolyline() const { return type & 2; }
     };
-    /// One family of parallel pattern lines, in the scale and direction in which it is drawn.
-    struct PatternLine {
-        double angle = 0.0; ///< radians
-        KcGePoint2d base;
-        KcGeVector2d offset;
-        std::vector<double> dashes;
-        friend bool operator==(const PatternLine&, const PatternLine&) = default;
-    };
+    /// One family of parallel pattern lines, in the scale and direction in which it is drawn; object coordinates.
+    using PatternLine = KcGeHatchFamily;
     struct Data {
         double elevation = 0.0;
         KcGeVector3d normal = KcGeVector3d::kZAxis;
@@ -75,7 +70,10 @@ public:
     KCDB_ENTITY_DATA
 
     const QString& patternName() const { return m_data.patternName; }
-    /// Area of the loops, islands taken away by the even-odd rule, in square drawing units; nothing when a loop is
+    /// The loops in the plane of the hatch, ready to be filled or measured.
+    KcGeFillArea fillArea() const;
+    KcGeHatchStyle fillStyle() const;
+    /// Area of what is filled, islands taken away as the style says, in square drawing units; nothing when a loop is
     /// open or has no area.
     std::optional<double> getArea() const;
     std::vector<KcDbObjectId> getAssocObjIds() const;

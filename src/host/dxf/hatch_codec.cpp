@@ -187,7 +187,7 @@ bool readPolylineLoop(KcDbHatch::Loop& loop, const Group& g)
 bool readPattern(KcDbHatch::Data& d, const Group& g)
 {
     if (g.code == 53) {
-        d.lines.push_back({ g.real() * kDegree });
+        d.lines.emplace_back().angle = g.real() * kDegree;
         return true;
     }
     if (d.lines.empty())

@@ -202,12 +202,6 @@ KcEdPickPiece circlePiece(
     return { toWorld(std::move(points), normal, center.z), false };
 }
 
-double sweepBetween(double start, double end)
-{
-    const double sweep = normalizedAngle(end - start);
-    return sweep > 0.0 ? sweep : kTwoPi;
-}
-
 KcEdPickPiece polylinePiece(const KcDb2dPolyline& polyline, double tolerance)
 {
     std::vector<KcDbPolyline::Vertex> vertices;
