@@ -21,7 +21,7 @@ struct Layer {
     Names uses;
 };
 
-const Names kHost{ "ge", "gi", "platform", "db", "dxf", "ed" };
+const Names kHost{ "ge", "gi", "platform", "db", "dxf", "ed", "widgets" };
 
 Names with(Names names, const Names& more)
 {
@@ -39,6 +39,7 @@ std::vector<Layer> layers()
         { "host/db", "db", { "ge", "gi", "platform" } },
         { "host/dxf", "dxf", { "ge", "gi", "platform", "db" } },
         { "host/ed", "ed", { "ge", "gi", "platform", "db", "dxf" } },
+        { "host/widgets", "widgets", { "ge", "gi", "platform", "db", "dxf", "ed" } },
         { "core", "core", kHost },
         { "frame", "frame", with(kHost, { "core" }) },
         { "controls", "controls", with(kHost, { "core" }) },
