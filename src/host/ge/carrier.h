@@ -47,6 +47,8 @@ public:
     double paramAtLength(double from, double length) const;
     /// The parameter in [low, high] whose point is nearest.
     double closest(KcGePoint3d point, double low, double high) const;
+    /// The parameters inside [low, high] at which the curve turns back in a direction, ascending.
+    std::vector<double> turningParams(KcGeVector3d direction, double low, double high) const;
     /// The box of a stretch, not wider than the curve by more than the tolerance.
     virtual KcGeExtents3d extents(double low, double high) const = 0;
     /// Points from one parameter to the other, both included, whose chords stay within `sagitta` of the
@@ -73,8 +75,15 @@ private:
     const Table& table() const;
     void addLeaves(Table& table, double low, double high, double length, double accuracy, int depth) const;
     double quadrature(double low, double high) const;
-    double lengthFromStart(double u) const;
-    double paramFromStart(double length) const;
+    /// Whole periods, and the leaf that holds what is left of a parameter.
+    struct Place {
+        double turns = 0.0, param = 0.0;
+        size_t leaf = 0;
+    };
+    Place placeOf(double u) const;
+    double lengthInLeaf(size_t leaf, double from, double to) const;
+    /// The parameter at a length from `low`, where the way to `high` in the same leaf has the length `span`.
+    double paramInLeaf(size_t leaf, double low, double high, double span, double wanted) const;
     void closestInLeaf(KcGePoint3d point, double low, double high, double& best, double& param) const;
 
     mutable std::once_flag m_once;

@@ -7,11 +7,7 @@
 
 namespace {
 
-/// A point times its weight, and the weight.
-struct Weighted {
-    double x = 0.0, y = 0.0, z = 0.0, w = 1.0;
-    KcGePoint3d point() const { return { x / w, y / w, z / w }; }
-};
+using Weighted = KcGeWeightedPoint3d;
 
 Weighted between(const Weighted& a, const Weighted& b, double t)
 {
@@ -322,6 +318,73 @@ double KcGeNurbsCurve3d::planArea() const
         area += (origin.x * (end.y - origin.y) - origin.y * (end.x - origin.x)) / 2.0;
     });
     return area;
+}
+
+std::vector<KcGeWeightedPoint3d> KcGeNurbsCurve3d::bezierPoints() const
+{
+    std::vector<Weighted> points;
+    forEachPiece(
+        *this, [&](const Bezier& piece) { points.insert(points.end(), piece.begin(), piece.end()); });
+    return points;
+}
+
+KcGeNurbsCurve3d KcGeNurbsCurve3d::between(double low, double high) const
+{
+    const size_t p = size_t(degree);
+    KcGeNurbsCurve3d part;
+    part.degree = degree;
+    part.knots.assign(p + 1, low);
+    for (const double knot : knots)
+        if (knot > low && knot < high)
+            part.knots.push_back(knot);
+    part.knots.insert(part.knots.end(), p + 1, high);
+    // A control point is the polar form of any polynomial in its reach, at the knots inside that reach.
+    for (size_t i = 0; i + p + 1 < part.knots.size(); ++i) {
+        size_t j = i;
+        while (!(part.knots[j] < part.knots[j + 1]))
+            ++j;
+        const double inside = part.knots[j] + (part.knots[j + 1] - part.knots[j]) / 2.0;
+        const Weighted w
+            = polar(*this, spanOf(*this, inside), [&](size_t k) { return part.knots[i + 1 + k]; });
+        part.controlPoints.push_back(w.point());
+        if (!weights.empty())
+            part.weights.push_back(w.w);
+    }
+    return part;
+}
+
+KcGeNurbsCurve3d KcGeNurbsCurve3d::reversed() const
+{
+    KcGeNurbsCurve3d result = *this;
+    std::reverse(result.controlPoints.begin(), result.controlPoints.end());
+    std::reverse(result.weights.begin(), result.weights.end());
+    std::reverse(result.knots.begin(), result.knots.end());
+    const double first = startParam(), last = endParam();
+    for (double& knot : result.knots)
+        knot = knot == first ? last : knot == last ? first : first + (last - knot); // exact at the ends
+    // Rounding must not put knots out of order.
+    for (size_t i = 1; i < result.knots.size(); ++i)
+        result.knots[i] = std::max(result.knots[i], result.knots[i - 1]);
+    return result;
+}
+
+KcGeNurbsCurve3d KcGeNurbsCurve3d::joinedWith(const KcGeNurbsCurve3d& next) const
+{
+    KcGeNurbsCurve3d result = *this;
+    const double shift = endParam() - next.startParam();
+    result.knots.resize(result.knots.size() - 1); // the joint has the degree as its multiplicity
+    for (size_t i = size_t(next.degree) + 1; i < next.knots.size(); ++i)
+        result.knots.push_back(next.knots[i] + shift);
+    result.controlPoints.insert(
+        result.controlPoints.end(), next.controlPoints.begin() + 1, next.controlPoints.end());
+    if (!weights.empty() || !next.weights.empty()) {
+        result.weights.resize(controlPoints.size(), 1.0);
+        // Weights are defined up to a factor; the joint's must be one.
+        const double factor = result.weights.back() / (next.weights.empty() ? 1.0 : next.weights.front());
+        for (size_t i = 1; i < next.controlPoints.size(); ++i)
+            result.weights.push_back((next.weights.empty() ? 1.0 : next.weights[i]) * factor);
+    }
+    return result;
 }
 
 KcGeNurbsCurve3d KcGeNurbsCurve3d::transformed(const KcGeMatrix3d& matrix) const

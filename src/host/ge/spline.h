@@ -8,6 +8,12 @@
 #include <optional>
 #include <vector>
 
+/// A control point times its weight, and the weight.
+struct KcGeWeightedPoint3d {
+    double x = 0.0, y = 0.0, z = 0.0, w = 1.0;
+    KcGePoint3d point() const { return { x / w, y / w, z / w }; }
+};
+
 /// A non-uniform rational B-spline. Curves read from files may be damaged: ask `isValid` first; the other
 /// functions expect a valid curve.
 struct KcGeNurbsCurve3d {
@@ -38,6 +44,18 @@ struct KcGeNurbsCurve3d {
     /// Half the integral of x·dy − y·dx along the curve: its share in the signed area of an outline that it
     /// is part of, seen along the Z axis.
     double planArea() const;
+
+    /// The control points of the polynomials between `breaks`, as many as the degree plus one for each.
+    std::vector<KcGeWeightedPoint3d> bezierPoints() const;
+    /// The stretch between two knot values of the range, the first below the second, with the same
+    /// parameters.
+    KcGeNurbsCurve3d between(double low, double high) const;
+    /// The same points from end to start over the same range of knots.
+    KcGeNurbsCurve3d reversed() const;
+    /// This curve and another of the same degree that begins where it ends, as one; the other's knots are
+    /// shifted behind this one's. Both must reach their outermost control points, as the results of `between`
+    /// do.
+    KcGeNurbsCurve3d joinedWith(const KcGeNurbsCurve3d& next) const;
 
     /// The image under an affine transform.
     KcGeNurbsCurve3d transformed(const KcGeMatrix3d& matrix) const;
