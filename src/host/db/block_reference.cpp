@@ -5,6 +5,7 @@
 #include "db/database.h"
 #include "db/plane.h"
 #include "db/polyline.h"
+#include "gi/sink/world_draw.h"
 
 KCRX_DEFINE(KcDbBlockReference, KcDbEntity, "AcDbBlockReference")
 KCRX_DEFINE(KcDbBlockBegin, KcDbEntity, "AcDbBlockBegin")
@@ -291,4 +292,39 @@ Kcad::ErrorStatus KcDbBlockReference::transformBy(const KcGeMatrix3d& matrix)
         if (KcDbWrite<KcDbAttribute> attribute(id); attribute)
             attribute->transformBy(matrix);
     return Kcad::eOk;
+}
+
+// Drawing.
+
+constexpr int kMostCells = 250'000; // of an array: more are a slip of the hand
+
+void KcDbBlockReference::worldDraw(KcGiWorldDraw& draw) const
+{
+    const Array cell, &cells = m_data.array ? *m_data.array : cell;
+    const KcGeMatrix3d first = blockTransform();
+    const KcGeMatrix3d plane = KcGeMatrix3d::planeToWorld(m_data.normal)
+        * KcGeMatrix3d::rotation(m_data.rotation);
+    const int columns = std::clamp(cells.columns, 1, kMostCells), rows = std::clamp(cells.rows, 1, kMostCells);
+    if (int64_t(columns) * rows > kMostCells)
+        return draw.leftOut(QStringLiteral("a block array of more than %1 cells").arg(kMostCells));
+    for (int row = 0; row < rows; ++row)
+        for (int column = 0; column < columns; ++column)
+            draw.block(
+                m_data.block,
+                KcGeMatrix3d::translation(
+                    plane * KcGeVector3d{ column * cells.columnSpacing, row * cells.rowSpacing, 0.0 })
+                    * first);
+    for (const KcDbObjectId id : attributes())
+        if (const KcDbRead<KcDbAttribute> attribute(id); attribute)
+            draw.entity(*attribute);
+}
+
+void KcDbBlockBegin::worldDraw(KcGiWorldDraw&) const
+{
+    // A mark without a shape.
+}
+
+void KcDbBlockEnd::worldDraw(KcGiWorldDraw&) const
+{
+    // A mark without a shape.
 }

@@ -29,6 +29,7 @@ public:
         Data& operator=(const Data& other);
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     KcDbBlockReference() = default;
     KcDbBlockReference(KcGePoint3d position, KcDbObjectId block) { m_data.position = position, m_data.block = block; }
 
@@ -79,6 +80,7 @@ public:
     Data& data() { return m_data; }
 
     KcGeExtents3d geomExtents() const override { return {}; }
+    void worldDraw(KcGiWorldDraw& draw) const override;
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d&) override { return Kcad::eOk; }
 
 private:
@@ -89,5 +91,6 @@ class KcDbBlockEnd : public KcDbEntity {
     KCRX_DECLARE(KcDbBlockEnd)
 public:
     KcGeExtents3d geomExtents() const override { return {}; }
+    void worldDraw(KcGiWorldDraw& draw) const override;
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d&) override { return Kcad::eOk; }
 };

@@ -20,6 +20,7 @@ public:
         KcGeVector3d normal = KcGeVector3d::kZAxis;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     KcDbLine() = default;
     KcDbLine(KcGePoint3d start, KcGePoint3d end) { m_data.start = start, m_data.end = end; }
 };
@@ -34,6 +35,7 @@ public:
         KcGeVector3d normal = KcGeVector3d::kZAxis;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     KcDbCircle() = default;
     KcDbCircle(KcGePoint3d center, double radius) { m_data.center = center, m_data.radius = radius; }
     /// World coordinates.
@@ -52,6 +54,7 @@ public:
         KcGeVector3d normal = KcGeVector3d::kZAxis;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     /// World coordinates.
     KcGePoint3d center() const { return KcGeMatrix3d::planeToWorld(m_data.normal) * m_data.center; }
     double radius() const { return m_data.radius; }
@@ -72,6 +75,7 @@ public:
         KcGeVector3d normal = KcGeVector3d::kZAxis;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 };
 
 class KcDbSpline : public KcDbCurve {
@@ -90,6 +94,7 @@ public:
         std::vector<KcGePoint3d> fitPoints;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     /// The point of the curve at a knot value, by de Boor's algorithm; the first control or fit point when the curve
     /// is incomplete.
     KcGePoint3d pointAt(double knot) const;
@@ -107,6 +112,7 @@ public:
         KcGeVector3d unitDir {1, 0, 0};
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     void setBasePoint(KcGePoint3d point) { m_data.basePoint = point; }
     void setUnitDir(KcGeVector3d direction) { m_data.unitDir = direction.normal(); }
 };
@@ -117,6 +123,7 @@ class KcDbRay : public KcDbCurve {
 public:
     using Data = KcDbXline::Data;
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 };
 
 class KcDbPoint : public KcDbEntity {
@@ -129,6 +136,7 @@ public:
         double xAngle = 0.0; ///< radians
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 };
 
 /// A filled triangle or quadrilateral (SOLID, TRACE).
@@ -141,6 +149,7 @@ public:
         KcGeVector3d normal = KcGeVector3d::kZAxis;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 };
 
 class KcDbTrace : public KcDbSolid {
@@ -156,4 +165,5 @@ public:
         int hiddenEdges = 0; ///< a bit for each edge
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 };

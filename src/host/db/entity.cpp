@@ -5,6 +5,7 @@
 #include "db/database.h"
 #include "db/header.h"
 #include "db/tables.h"
+#include "gi/sink/world_draw.h"
 
 const KcRxClass* KcDbEntity::desc()
 {
@@ -51,4 +52,9 @@ void KcDbEntity::setPropertiesFrom(const KcDbEntity& other)
     m_transparency = other.m_transparency;
     m_lineWeight = other.m_lineWeight;
     m_visible = other.m_visible;
+}
+
+void KcDbEntity::worldDraw(KcGiWorldDraw& draw) const
+{
+    draw.leftOut(QStringLiteral("an entity of the kind %1").arg(QString::fromLatin1(isA()->name())));
 }

@@ -15,6 +15,8 @@ struct KcCmColor {
     friend bool operator==(const KcCmColor&, const KcCmColor&) = default;
 };
 
+class KcGiWorldDraw;
+
 class KcDbEntity : public KcDbObject {
 public:
     static const KcRxClass* desc();
@@ -59,6 +61,8 @@ public:
     /// The box of the entity's image under an affine transform, uneven scaling included: what a block reference needs
     /// of the entities that it draws. Entities that cannot tell give the image of their own box.
     virtual KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const { return matrix.transformed(geomExtents()); }
+    /// Draws the entity: for the screen, plots and hit tests alike. Kinds that cannot be drawn say so to the sink.
+    virtual void worldDraw(KcGiWorldDraw& draw) const;
     /// Moves, turns, scales or mirrors the entity.
     virtual Kcad::ErrorStatus transformBy(const KcGeMatrix3d& matrix) = 0;
 

@@ -21,6 +21,7 @@ public:
         KcGeVector3d normal = KcGeVector3d::kZAxis;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 
     size_t numVerts() const { return m_data.vertices.size(); }
     bool isClosed() const { return m_data.flags & 1; }
@@ -47,6 +48,7 @@ public:
         int flags = 0; ///< 1 added by curve fitting, 2 tangent given, 8 spline, 16 frame control point, 32 3D, 64 mesh
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 };
 
 /// The mark after the last attribute or vertex.
@@ -54,6 +56,7 @@ class KcDbSequenceEnd : public KcDbEntity {
     KCRX_DECLARE(KcDbSequenceEnd)
 public:
     KcGeExtents3d geomExtents() const override { return {}; }
+    void worldDraw(KcGiWorldDraw& draw) const override;
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d&) override { return Kcad::eOk; }
 };
 
@@ -73,6 +76,7 @@ public:
         KcDbObjectId sequenceEnd;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     std::vector<KcDbObjectId> subObjects() const override;
     bool is3d() const { return m_data.flags & 8; }
     bool isClosed() const { return m_data.flags & 1; }
