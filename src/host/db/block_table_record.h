@@ -80,6 +80,9 @@ public:
     Iterator end() const { return Iterator(m_entities.get(), m_entities->size(), objectId()); }
     bool isEmpty() const { return begin() == end(); }
     std::vector<KcDbObjectId> entityIds() const { return {begin(), end()}; }
+    /// Every entity that was ever listed here, in drawing order, those that were erased or moved away included. The list
+    /// grows; it shrinks only in `adopt`, which says so to the drawing's spatial index.
+    std::shared_ptr<const std::vector<KcDbObjectId>> listed() const { return m_entities; }
 
     /// Takes an entity into the block; it gets a handle. The record need not be open for writing: the list of
     /// entities is no part of its snapshots, an entity that undo takes away is simply left out.

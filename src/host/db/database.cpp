@@ -5,6 +5,7 @@
 #include "db/block_reference.h"
 #include "db/dictionary.h"
 #include "db/header.h"
+#include "db/spatial_index.h"
 #include "db/tables.h"
 
 #include <cassert>
@@ -18,6 +19,7 @@ KcDbDatabase::KcDbDatabase(Content content)
 
 KcDbDatabase::~KcDbDatabase()
 {
+    m_spatialIndex.reset();
     m_undo.discard();
     for (KcDbObjectStub& stub : m_stubs)
         delete stub.object;
@@ -276,6 +278,14 @@ void KcDbDatabase::addListener(KcDbListener* listener)
 void KcDbDatabase::removeListener(KcDbListener* listener)
 {
     std::erase(m_listeners, listener);
+}
+
+KcDbSpatialIndex& KcDbDatabase::spatialIndex() const
+{
+    // The index watches the drawing without being part of its state.
+    if (!m_spatialIndex)
+        m_spatialIndex = std::make_unique<KcDbSpatialIndex>(const_cast<KcDbDatabase&>(*this));
+    return *m_spatialIndex;
 }
 
 void KcDbDatabase::addFinding(KcDbFinding finding)

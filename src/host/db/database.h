@@ -51,6 +51,8 @@ public:
     virtual ~KcDbDrawingFile() = default;
 };
 
+class KcDbSpatialIndex;
+
 class KcDbDatabase {
 public:
     enum class Content {
@@ -122,6 +124,9 @@ public:
     void addListener(KcDbListener* listener);
     void removeListener(KcDbListener* listener);
 
+    /// Finds entities by place. Made when first asked for; what it keeps is no part of the drawing.
+    KcDbSpatialIndex& spatialIndex() const;
+
     const QString& fileName() const { return m_fileName; }
     void setFileName(const QString& name) { m_fileName = name; }
     KcDbVersion version() const { return m_version; }
@@ -190,4 +195,5 @@ private:
     uint64_t m_changeCount = 0;
     bool m_insideReactor = false;
     std::shared_ptr<KcDbDrawingFile> m_file;
+    mutable std::unique_ptr<KcDbSpatialIndex> m_spatialIndex;
 };

@@ -5,6 +5,7 @@
 #include "db/block_table_record.h"
 #include "db/database.h"
 #include "db/open.h"
+#include "db/spatial_index.h"
 #include "db/tables.h"
 
 #include <cassert>
@@ -151,8 +152,8 @@ void KcDbBlockTableRecord::adopt(KcDbEntity& entity) const
     KcDbObjectStub& stub = *entity.objectId().stub();
     // An entity that comes back to a block it was in is in the block's list already; only its old place is
     // given up.
-    if (stub.flags & KcDbObjectStub::kRelisted)
-        std::erase(*m_entities, entity.objectId());
+    if ((stub.flags & KcDbObjectStub::kRelisted) && std::erase(*m_entities, entity.objectId()) > 0)
+        database()->spatialIndex().forget(objectId());
     stub.flags |= KcDbObjectStub::kRelisted;
     entity.setOwnerId(objectId());
     entity.setInPaperSpace(isLayout() && !isModelSpace());

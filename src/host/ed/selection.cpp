@@ -4,6 +4,7 @@
 
 #include "db/block_table_record.h"
 #include "db/database.h"
+#include "db/spatial_index.h"
 #include "db/symbol_table.h"
 #include "ed/command_stack.h"
 #include "ed/console.h"
@@ -55,10 +56,8 @@ Ids inRegion(const KcDbDatabase& database, const KcEdPickRegion& region, const K
     const double size = std::max(region.box().width(), region.box().height());
     KcEdPickGeometry geometry(std::max(size / kTolerancesInWindow, KcGeContext::gTol.equalPoint));
     Ids ids;
-    const KcDbRead<KcDbBlockTableRecord> space(database.currentSpace());
-    if (!space)
-        return ids;
-    for (const KcDbObjectId id : *space) {
+    const KcGeExtents2d box { region.box().min.plan(), region.box().max.plan() };
+    for (const KcDbObjectId id : database.spatialIndex().crossing(database.currentSpace(), box)) {
         const KcDbRead<KcDbEntity> entity(id);
         if (entity && geometry.isVisible(*entity) && filter.passes(*entity)
             && region.selects(*entity, geometry))
