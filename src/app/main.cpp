@@ -28,10 +28,12 @@ Exit status: 0 done; 1 a drawing or script could not be read, or a result not be
 2 wrong usage, or a script line that nothing took.
 )";
 
-// Passes on what the toolkit says, but for its remark on a variable that servers and containers do not set.
+// Passes on what the toolkit says, but for its remarks on a variable that servers and containers do not set,
+// and on what it cannot do without a display.
 void passOn(QtMsgType, const QMessageLogContext&, const QString& text)
 {
-    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+    if (!text.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"))
+        && !text.startsWith(QLatin1String("This plugin does not support")))
         kcedSayError(text);
 }
 

@@ -4,8 +4,8 @@
 
 #include "dxf/drawing_file.h"
 #include "ed/console.h"
-#include "ed/editor.h"
 #include "ed/host_commands.h"
+#include "ed/message_boxes.h"
 #include "ed/module.h"
 #include "platform/app_root.h"
 
@@ -90,9 +90,7 @@ bool prepareCommands()
         kcedSayError(root.error);
         return false;
     }
-    platform::setMessageBoxHandler([](const platform::MessageBoxRequest& request) {
-        return KcEdEditor::instance().answerMessageBox(request);
-    });
+    kcedInstallDialogHandlers();
     kcedRegisterHostCommands();
     if (!kcrxDynamicLinker().isLoaded(kcrxMainModulePath()))
         if (const platform::Status loaded = kcrxDynamicLinker().loadModule(kcrxMainModulePath()); !loaded)

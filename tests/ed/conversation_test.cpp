@@ -2,6 +2,8 @@
 // back.
 #include "session.h"
 
+#include "ed/message_boxes.h"
+
 #include "core/commands.h"
 #include "core/prompts.h"
 #include "ed/help.h"
@@ -305,7 +307,7 @@ TEST(Conversation, QuestionBoxes)
         MessageBoxAnswer answer{};
         const int refusals = s.run(
             [&] {
-                answer = KcEdEditor::instance().answerMessageBox(
+                answer = kcedAnswerMessageBox(
                     { nullptr, "Go on?", "Question", row.buttons, MessageBoxIcon::Question });
             },
             row.lines);

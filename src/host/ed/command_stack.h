@@ -20,6 +20,7 @@ public:
 
 struct KcEdCommand {
     enum Flag {
+        kTransparent = 1, ///< may run while another command asks: it only looks at the drawing
         kUsePickFirst = 2, ///< may take the selection made before the command was started
         kNoUndoStep = 1 << 16, ///< works on the steps themselves and is none
     };

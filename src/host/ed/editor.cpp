@@ -2,19 +2,16 @@
 
 #include "ed/editor.h"
 
+#include "ed/activity.h"
 #include "ed/command_stack.h"
 #include "ed/console.h"
+#include "ed/dialogs.h"
 #include "ed/documents.h"
 #include "ed/help.h"
 #include "ed/selection.h"
 #include "ed/system_variables.h"
 
 namespace {
-
-QString noDialogHere()
-{
-    return QStringLiteral("There is no dialog to answer: dialogs need the window, which is not there yet.");
-}
 
 KcEdPrompt commandPrompt()
 {
@@ -71,6 +68,7 @@ std::optional<KcEdAnswer> answerFromClick(const KcEdPrompt& prompt, KcGePoint3d 
     case KcEdPrompt::Kind::Point:
     case KcEdPrompt::Kind::Corner:
     case KcEdPrompt::Kind::Distance:
+    case KcEdPrompt::Kind::Angle:
     case KcEdPrompt::Kind::Track:
         return point;
     case KcEdPrompt::Kind::Selection:
@@ -94,18 +92,45 @@ std::optional<KcEdAnswer> checked(const KcEdPrompt& prompt, std::optional<KcEdAn
     return {};
 }
 
-// Counts the prompts that wait, on every way out.
-struct Asking {
-    explicit Asking(int& count)
-        : m_count(count)
-    {
-        ++m_count;
+// What is typed at a prompt and leaves it waiting: help, and commands that only look, with an apostrophe
+// before their names. A prompt for a text takes everything as text.
+bool goesOnBeside(const KcEdPrompt& prompt, const QString& line)
+{
+    const QString text = line.trimmed();
+    if (prompt.kind == KcEdPrompt::Kind::Text)
+        return false;
+    if (const auto path = kcedHelpPath(text)) {
+        kcedShowHelp(*path);
+        return true;
     }
-    ~Asking() { --m_count; }
-    int& m_count;
-};
+    const KcEdCommand* command
+        = text.startsWith(QLatin1Char('\'')) ? kcedCommandStack().lookup(text) : nullptr;
+    if (!command)
+        return false;
+    if (command->flags & KcEdCommand::kTransparent)
+        kcedCommandStack().run(*command);
+    else
+        kcedSay(QStringLiteral("%1 cannot be used while a command asks.").arg(command->globalName));
+    return true;
+}
 
 } // namespace
+
+KcEdSourceScope::KcEdSourceScope(KcEdInputSource& source)
+{
+    KcEdEditor::instance().m_sources.push_back(&source);
+}
+
+KcEdSourceScope::~KcEdSourceScope()
+{
+    std::vector<KcEdInputSource*>& sources = KcEdEditor::instance().m_sources;
+    std::vector<KcEdCall> calls = sources.back()->takeCalls();
+    sources.pop_back();
+    if (sources.empty())
+        return;
+    for (auto call = calls.rbegin(); call != calls.rend(); ++call)
+        sources.back()->giveBack(std::move(*call));
+}
 
 KcEdEditor& KcEdEditor::instance()
 {
@@ -122,9 +147,12 @@ void KcEdEditor::refuse(const KcEdLine& line, const QString& reason)
 std::optional<KcEdAnswer> KcEdEditor::answerFrom(const KcEdPrompt& prompt, const KcEdLine& line)
 {
     if (line.text.startsWith(QLatin1Char('!'))) {
-        refuse(line, noDialogHere());
+        if (const QString reason = kcedDriveModeless(line.text); !reason.isEmpty())
+            refuse(line, reason);
         return {};
     }
+    if (goesOnBeside(prompt, line.text))
+        return {};
     const Unmarked typed = unmarked(line.text);
     auto parsed = kcedParseAnswer(prompt, typed.text, typed.literal, lastPoint());
     if (const auto* refusal = std::get_if<KcEdRefusal>(&parsed)) {
@@ -132,6 +160,10 @@ std::optional<KcEdAnswer> KcEdEditor::answerFrom(const KcEdPrompt& prompt, const
         return {};
     }
     KcEdAnswer& answer = std::get<KcEdAnswer>(parsed);
+    if (const auto* move = std::get_if<KcEdMove>(&answer); move && prompt.drag) {
+        prompt.drag(move->point);
+        return {};
+    }
     if (prompt.check)
         if (const QString sentence = prompt.check(answer); !sentence.isEmpty()) {
             refuse(line, sentence);
@@ -144,7 +176,7 @@ KcEdAnswer KcEdEditor::ask(const KcEdPrompt& prompt)
 {
     if (m_sources.empty())
         return KcEdEscape();
-    const Asking asking(m_asking);
+    const KcEdActivityScope activity(KcEdActivity::Prompt);
     kcedPrint(prompt.text);
     for (;;) {
         const KcEdEvent event = source()->next(prompt);
@@ -153,11 +185,19 @@ KcEdAnswer KcEdEditor::ask(const KcEdPrompt& prompt)
             answer = KcEdEscape();
         } else if (const auto* click = std::get_if<KcEdClick>(&event)) {
             answer = checked(prompt, answerFromClick(prompt, click->point));
+        } else if (std::holds_alternative<KcEdCall>(event)) {
+            source()->giveBack(event);
+            answer = KcEdEscape();
         } else if (const auto* given = std::get_if<KcEdGiven>(&event)) {
-            answer = checked(prompt, given->answer);
+            if (!std::holds_alternative<KcEdRestart>(given->answer))
+                answer = checked(prompt, given->answer);
+            else if (prompt.drag)
+                return given->answer;
         } else if (const auto* move = std::get_if<KcEdMove>(&event)) {
             if (prompt.kind == KcEdPrompt::Kind::Track)
                 answer = *move;
+            else if (prompt.drag)
+                prompt.drag(move->point);
         } else {
             const KcEdLine& line = std::get<KcEdLine>(event);
             if (isComment(line.text))
@@ -191,9 +231,14 @@ void KcEdEditor::run()
         const KcEdEvent event = source()->next(prompt);
         if (std::holds_alternative<KcEdEnd>(event)) {
             kcedFreshRow();
+            // The last source that answers dialogs takes them with it.
+            if (m_sources.size() == 1 && source()->drivesDialogs())
+                kcedCloseModelessDialogs();
             return;
         }
-        if (const auto* line = std::get_if<KcEdLine>(&event))
+        if (const auto* call = std::get_if<KcEdCall>(&event))
+            call->body();
+        else if (const auto* line = std::get_if<KcEdLine>(&event))
             executeLine(*line);
         else if (const auto* given = std::get_if<KcEdGiven>(&event))
             executeGiven(*given);
@@ -222,8 +267,11 @@ void KcEdEditor::executeLine(const KcEdLine& line)
             document->pickFirst.clear();
         return;
     }
-    if (text.startsWith(QLatin1Char('!')))
-        return refuse(line, noDialogHere());
+    if (text.startsWith(QLatin1Char('!'))) {
+        if (const QString reason = kcedDriveModeless(text); !reason.isEmpty())
+            refuse(line, reason);
+        return;
+    }
 
     const QString typed = unmarked(text).text;
     if (const auto path = kcedHelpPath(typed))
@@ -243,54 +291,4 @@ void KcEdEditor::executeLine(const KcEdLine& line)
     if (kcedHasVar(typed))
         return kcedAskVar(typed);
     refuse(line, QStringLiteral("Unknown command \"%1\".").arg(typed));
-}
-
-platform::MessageBoxAnswer KcEdEditor::answerMessageBox(const platform::MessageBoxRequest& request)
-{
-    using platform::MessageBoxAnswer;
-    using platform::MessageBoxButtons;
-    kcedSay(request.caption.isEmpty() ? request.text : request.caption + QStringLiteral(": ") + request.text);
-    const MessageBoxAnswer none = platform::unattendedAnswer(request.buttons);
-    if (!request.asks() || !source())
-        return none;
-
-    MessageBoxAnswer yes = MessageBoxAnswer::Ok;
-    MessageBoxAnswer no = none;
-    if (request.buttons == MessageBoxButtons::YesNo || request.buttons == MessageBoxButtons::YesNoCancel) {
-        yes = MessageBoxAnswer::Yes;
-        no = MessageBoxAnswer::No;
-    } else if (request.buttons != MessageBoxButtons::OkCancel) {
-        yes = MessageBoxAnswer::Retry;
-    }
-
-    KcEdPrompt prompt;
-    prompt.kind = KcEdPrompt::Kind::Command;
-    prompt.text = yes == MessageBoxAnswer::Yes ? QStringLiteral("\n[!yes/!no]: ")
-                                               : QStringLiteral("\n[!ok/!cancel]: ");
-    for (;;) {
-        kcedPrint(prompt.text);
-        const KcEdEvent event = source()->next(prompt);
-        const auto* line = std::get_if<KcEdLine>(&event);
-        if (!line) {
-            kcedFreshRow();
-            return none;
-        }
-        const QString text = line->text.trimmed().toLower();
-        if (isComment(text))
-            continue;
-        if (!text.startsWith(QLatin1Char('!'))) {
-            source()->giveBack(*line);
-            kcedSayError(QStringLiteral("A question got no answer and was cancelled: %1").arg(request.text));
-            return none;
-        }
-        if (source()->needsEcho())
-            kcedPrint(line->text + QLatin1Char('\n'));
-        if (text == QLatin1String("!yes") || text == QLatin1String("!ok"))
-            return yes;
-        if (text == QLatin1String("!no"))
-            return no;
-        if (text == QLatin1String("!cancel") || text == QLatin1String("!close"))
-            return none;
-        refuse(*line, QStringLiteral("A question is answered by !yes, !no, !ok or !cancel."));
-    }
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "ed/input_source.h"
-#include "platform/message_box.h"
 
 class KcEdEditor {
 public:
@@ -15,30 +14,26 @@ public:
     /// Reads and executes lines until the active source ends.
     void run();
 
-    /// Answers a message box as a script or the terminal does: prints it, and reads a line when it asks.
-    platform::MessageBoxAnswer answerMessageBox(const platform::MessageBoxRequest& request);
+    /// Tells the source that nothing took a line, and why.
+    void refuse(const KcEdLine& line, const QString& reason);
 
     KcEdInputSource* source() const { return m_sources.empty() ? nullptr : m_sources.back(); }
-    /// True while a prompt waits for its answer.
-    bool isAsking() const { return m_asking > 0; }
 
 private:
     friend class KcEdSourceScope;
 
     void executeLine(const KcEdLine& line);
     void executeGiven(const KcEdGiven& given);
-    void refuse(const KcEdLine& line, const QString& reason);
     std::optional<KcEdAnswer> answerFrom(const KcEdPrompt& prompt, const KcEdLine& line);
 
     std::vector<KcEdInputSource*> m_sources;
-    int m_asking = 0;
 };
 
 /// Makes a source the active one for the length of a scope.
 class KcEdSourceScope {
 public:
-    explicit KcEdSourceScope(KcEdInputSource& source) { KcEdEditor::instance().m_sources.push_back(&source); }
-    ~KcEdSourceScope() { KcEdEditor::instance().m_sources.pop_back(); }
+    explicit KcEdSourceScope(KcEdInputSource& source);
+    ~KcEdSourceScope();
     KcEdSourceScope(const KcEdSourceScope&) = delete;
     KcEdSourceScope& operator=(const KcEdSourceScope&) = delete;
 };

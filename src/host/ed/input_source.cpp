@@ -10,15 +10,25 @@ KcEdEvent KcEdInputSource::next(const KcEdPrompt& prompt)
 {
     if (m_waiting.empty())
         return read(prompt);
-    KcEdLine line = std::move(m_waiting.front());
+    KcEdEvent event = std::move(m_waiting.front());
     m_waiting.pop_front();
-    return line;
+    return event;
+}
+
+std::vector<KcEdCall> KcEdInputSource::takeCalls()
+{
+    std::vector<KcEdCall> calls;
+    for (KcEdEvent& event : m_waiting)
+        if (auto* call = std::get_if<KcEdCall>(&event))
+            calls.push_back(std::move(*call));
+    std::erase_if(m_waiting, [](const KcEdEvent& event) { return std::holds_alternative<KcEdCall>(event); });
+    return calls;
 }
 
 void KcEdInputSource::insert(const QStringList& lines)
 {
     for (qsizetype i = lines.size(); i > 0; --i)
-        giveBack({ lines[i - 1], {}, 0 });
+        giveBack(KcEdLine{ lines[i - 1], {}, 0 });
 }
 
 void KcEdScriptSource::append(const QString& text, const QString& origin, int firstNumber)

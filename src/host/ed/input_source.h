@@ -23,10 +23,14 @@ struct KcEdClick {
 struct KcEdGiven {
     KcEdAnswer answer;
 };
+/// Something to be done when no command runs; a prompt that meets it is cancelled.
+struct KcEdCall {
+    std::function<void()> body;
+};
 /// Nothing more will come.
 struct KcEdEnd { };
 
-using KcEdEvent = std::variant<KcEdLine, KcEdClick, KcEdMove, KcEdGiven, KcEdEscape, KcEdEnd>;
+using KcEdEvent = std::variant<KcEdLine, KcEdClick, KcEdMove, KcEdGiven, KcEdEscape, KcEdCall, KcEdEnd>;
 
 class KcEdInputSource {
 public:
@@ -34,8 +38,12 @@ public:
 
     /// What comes next; `prompt` is what waits for it. Its text has been printed already.
     KcEdEvent next(const KcEdPrompt& prompt);
-    /// Gives a line back: it is the next one. Of several the last given back comes first.
-    void giveBack(KcEdLine line) { m_waiting.push_front(std::move(line)); }
+    /// Gives an event back: it is the next one. Of several the last given back comes first.
+    void giveBack(KcEdEvent event) { m_waiting.push_front(std::move(event)); }
+    /// An event that comes before everything else the source has; a source that waits for the user wakes up.
+    virtual void interrupt(KcEdEvent event) { giveBack(std::move(event)); }
+    /// Takes the calls that nobody has met yet, for the source below when this one is no longer asked.
+    std::vector<KcEdCall> takeCalls();
     /// Lines that come before everything else the source has.
     void insert(const QStringList& lines);
 
@@ -43,12 +51,14 @@ public:
     virtual void refused(const KcEdLine& line, const QString& reason) = 0;
     /// True when what was typed is not seen on the command line by itself.
     virtual bool needsEcho() const { return true; }
+    /// True when lines answer dialogs; false when the user does so with mouse and keys.
+    virtual bool drivesDialogs() const { return true; }
 
 protected:
     virtual KcEdEvent read(const KcEdPrompt& prompt) = 0;
 
 private:
-    std::deque<KcEdLine> m_waiting;
+    std::deque<KcEdEvent> m_waiting;
 };
 
 /// The lines of scripts, one after the other.

@@ -22,6 +22,8 @@ QString kindWanted(KcEdPrompt::Kind kind)
         return QStringLiteral("A point is wanted, such as 100,200 or @10<45.");
     case KcEdPrompt::Kind::Distance:
         return QStringLiteral("A distance or a point is wanted.");
+    case KcEdPrompt::Kind::Angle:
+        return QStringLiteral("An angle in degrees or a point is wanted.");
     case KcEdPrompt::Kind::Real:
         return QStringLiteral("A number is wanted.");
     case KcEdPrompt::Kind::Integer:
@@ -85,6 +87,7 @@ std::optional<Parsed> parseValue(const KcEdPrompt& prompt, const QString& text, 
             return Parsed(KcEdAnswer(*point));
         return {};
     case KcEdPrompt::Kind::Distance:
+    case KcEdPrompt::Kind::Angle:
         if (const auto value = kcedParseReal(text))
             return checkedNumber(prompt, *value, *value);
         if (const auto point = kcedParsePoint(text, lastPoint))
@@ -259,6 +262,9 @@ kcedParseAnswer(const KcEdPrompt& prompt, const QString& line, bool literal, KcG
             return KcEdAnswer(KcEdKeyword{ *keyword });
     if (isText)
         return KcEdAnswer(line);
+    if (prompt.drag && trimmed.startsWith(QLatin1Char('~')))
+        if (const auto point = kcedParsePoint(trimmed.mid(1), lastPoint))
+            return KcEdAnswer(KcEdMove{ *point });
     if (auto value = parseValue(prompt, trimmed, lastPoint))
         return std::move(*value);
     if (trimmed.startsWith(QLatin1Char('~')))

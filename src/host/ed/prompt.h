@@ -19,6 +19,8 @@ struct KcEdKeyword {
 struct KcEdMove {
     KcGePoint3d point;
 };
+/// A drag is to begin again with values that a dialog has changed.
+struct KcEdRestart { };
 /// One entity: by handle, by a point, or by both; user coordinates.
 struct KcEdPick {
     KcDbHandle handle = 0; ///< 0: what lies at the point
@@ -46,7 +48,7 @@ struct KcEdSelectionLine {
 
 using KcEdAnswer = std::variant<
     KcEdEscape, KcEdEnter, KcEdKeyword, KcGePoint3d, double, int, QString, KcEdSelectionLine, KcEdPick,
-    KcEdMove>;
+    KcEdMove, KcEdRestart>;
 
 /// Why a line does not answer a prompt, in one sentence.
 struct KcEdRefusal {
@@ -59,13 +61,15 @@ struct KcEdPrompt {
         Point,
         Corner,
         Distance,
+        Angle, ///< degrees, or a point in whose direction it goes from the base
         Real,
         Integer,
         Text,
         Keyword,
         Selection,
         Entity,
-        Track
+        Track,
+        Dialog, ///< what a dialog waits for: a line beginning with "!"
     };
     /// Bits of `flags`.
     enum Flag {
@@ -82,6 +86,8 @@ struct KcEdPrompt {
     std::optional<KcGePoint3d> base; ///< user coordinates; where a rubber band or rectangle begins
     /// Refuses an answer that has the right form for another reason, by a sentence; an empty text accepts.
     std::function<QString(const KcEdAnswer&)> check;
+    /// Told where the cursor is while the prompt waits, user coordinates; with it "~x,y" moves the cursor.
+    std::function<void(KcGePoint3d)> drag;
 };
 
 /// Turns a line into an answer to the prompt. `literal` lines are never keywords at a text prompt.

@@ -4,3 +4,4 @@
 
 KcEdScriptableGrid::~KcEdScriptableGrid() = default;
 KcEdScriptableTree::~KcEdScriptableTree() = default;
+KcEdScriptableColours::~KcEdScriptableColours() = default;

@@ -48,3 +48,13 @@ public:
     /// be done.
     virtual QString tickItem(const QString& path, bool on) = 0;
 };
+
+/// A dialog that asks for an index colour.
+class KcEdScriptableColours {
+public:
+    virtual ~KcEdScriptableColours();
+
+    /// Chooses a colour and closes the dialog with OK. An empty text, or a sentence saying why it cannot be
+    /// chosen.
+    virtual QString pickColour(int index) = 0;
+};

@@ -18,6 +18,13 @@ void KcUiWindowSource::push(KcEdEvent event)
         m_loop->quit();
 }
 
+void KcUiWindowSource::interrupt(KcEdEvent event)
+{
+    m_events.push_front(std::move(event));
+    if (m_loop)
+        m_loop->quit();
+}
+
 void KcUiWindowSource::finish()
 {
     m_finished = true;

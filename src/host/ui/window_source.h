@@ -24,6 +24,8 @@ public:
     const KcEdPrompt* waiting() const { return m_waiting; }
 
     void refused(const KcEdLine& line, const QString& reason) override;
+    void interrupt(KcEdEvent event) override;
+    bool drivesDialogs() const override { return false; }
 
 protected:
     KcEdEvent read(const KcEdPrompt& prompt) override;
