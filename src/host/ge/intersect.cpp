@@ -263,18 +263,20 @@ bool isInOverlap(
     });
 }
 
+/// True when a piece does not leave the other between two of its parameters; of a closed one, on the shorter
+/// way, which may lead over its start.
+bool nearBetween(const Operand& a, double from, double to, const Operand& b, double tolerance)
+{
+    if (std::abs(from - to) <= 0.5 || !a.piece().isClosed(tolerance))
+        return near(a, from, to, b, tolerance);
+    const auto [low, high] = std::minmax(from, to);
+    return near(a, high, 1.0, b, tolerance) && near(a, 0.0, low, b, tolerance);
+}
+
 /// True when two meetings are the same touch: neither piece leaves the other between them.
 bool isSame(const Meeting& m, const Meeting& n, const Operand& a, const Operand& b, double tolerance)
 {
-    const KcGePoint2d p = a.piece().pointAt(m.first), q = a.piece().pointAt(n.first);
-    const bool together = p.distanceTo(q) <= 2.0 * tolerance;
-    const auto isSeam = [together](double s, double t, const KcGeSegment2d& piece, double tol) {
-        return together && std::abs(s - t) > 0.5 && piece.isClosed(tol);
-    };
-    const bool firstNear = isSeam(m.first, n.first, a.piece(), tolerance)
-        || near(a, m.first, n.first, b, tolerance);
-    return firstNear
-        && (isSeam(m.second, n.second, b.piece(), tolerance) || near(b, m.second, n.second, a, tolerance));
+    return nearBetween(a, m.first, n.first, b, tolerance) && nearBetween(b, m.second, n.second, a, tolerance);
 }
 
 double sineBetween(const Operand& a, double t, const Operand& b, double s)
@@ -309,8 +311,12 @@ KcGeCrossing2d crossingOf(const std::vector<Candidate>& cluster, const Operand& 
             roots.push_back(c.at);
     KcGeCrossing2d crossing;
     Meeting at = roots.empty() ? cluster.front().at : roots.front();
-    if (roots.size() > 1)
-        at = touchPoint(roots.front(), roots.back(), a, b);
+    if (roots.size() > 1) {
+        const auto end = std::find_if(
+            cluster.begin(), cluster.end(), [](const Candidate& c) { return c.isEnd; });
+        const bool overSeam = std::abs(roots.front().first - roots.back().first) > 0.5;
+        at = overSeam && end != cluster.end() ? end->at : touchPoint(roots.front(), roots.back(), a, b);
+    }
     // An end keeps its exact place: what meets in a vertex is to meet there for every pair of pieces.
     const auto isExactEnd = [](double t) { return t == 0.0 || t == 1.0; };
     const KcGePoint2d root = a.piece().pointAt(at.first);
