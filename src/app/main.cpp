@@ -16,7 +16,8 @@ verdelis [DRAWING]                                open the window (not there yet
 verdelis run DRAWING [-s SCRIPT | -c LINE]... [-o OUT.dxf]
                                                   run without a window; several -s and -c in order
 verdelis shell DRAWING [-o OUT.dxf]               the same prompts on the terminal
-verdelis plot DRAWING OUT.png|.pdf|.svg           a picture of the drawing (not there yet)
+verdelis plot DRAWING OUT.png|.pdf|.svg [--window X1,Y1,X2,Y2] [--layout NAME] [--size WxH] [--scale 1:N] [--paper A1]
+                                                  a picture of the drawing: all of it, a window or a layout
 verdelis audit DRAWING [-o OUT.dxf]               numbered findings, errors apart from fixes; -o saves the repaired drawing
 verdelis dump DRAWING [--type T] [--layer L] [HANDLE...]
                                                   entities as JSON lines, tags included
@@ -61,14 +62,12 @@ int runSubCommand(QStringList arguments)
         int (*body)(const Arguments&);
     };
     static constexpr Row rows[] = {
-        { "run", run },     { "shell", shell },           { "dump", dump },
+        { "run", run },     { "shell", shell }, { "plot", plot }, { "dump", dump },
         { "audit", audit }, { "commands", listCommands },
     };
     for (const Row& row : rows)
         if (name == QLatin1String(row.name))
             return row.body(arguments);
-    if (name == u"plot")
-        return wrongUsage(QStringLiteral("plot is not there yet."));
     if (name.startsWith(QLatin1Char('-')))
         return wrongUsage(QStringLiteral("There is no option %1.").arg(name));
     return wrongUsage(

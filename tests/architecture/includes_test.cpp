@@ -21,7 +21,7 @@ struct Layer {
     Names uses;
 };
 
-const Names kHost{ "ge", "gi", "platform", "db", "dxf", "ed", "widgets" };
+const Names kHost{ "ge", "gi", "gi/paint", "platform", "db", "dxf", "ed", "widgets" };
 
 Names with(Names names, const Names& more)
 {
@@ -35,11 +35,12 @@ std::vector<Layer> layers()
     return {
         { "host/platform", "platform", {} },
         { "host/ge", "ge", {} },
+        { "host/gi/paint", "gi/paint", { "ge", "gi", "platform", "db" } },
         { "host/gi", "gi", { "ge" } },
         { "host/db", "db", { "ge", "gi", "platform" } },
         { "host/dxf", "dxf", { "ge", "gi", "platform", "db" } },
-        { "host/ed", "ed", { "ge", "gi", "platform", "db", "dxf" } },
-        { "host/widgets", "widgets", { "ge", "gi", "platform", "db", "dxf", "ed" } },
+        { "host/ed", "ed", { "ge", "gi", "gi/paint", "platform", "db", "dxf" } },
+        { "host/widgets", "widgets", { "ge", "gi", "gi/paint", "platform", "db", "dxf", "ed" } },
         { "core", "core", kHost },
         { "frame", "frame", with(kHost, { "core" }) },
         { "controls", "controls", with(kHost, { "core" }) },
@@ -56,12 +57,15 @@ std::vector<Layer> layers()
     };
 }
 
+/// Folders that are layers of their own inside another one are left out.
 std::vector<fs::path> sourcesIn(const fs::path& folder)
 {
     std::vector<fs::path> files;
     if (fs::is_directory(folder))
         for (const auto& entry : fs::recursive_directory_iterator(folder))
-            if (entry.path().extension() == ".h" || entry.path().extension() == ".cpp")
+            if (folder.filename() == "gi" && entry.path().parent_path().filename() == "paint")
+                continue;
+            else if (entry.path().extension() == ".h" || entry.path().extension() == ".cpp")
                 files.push_back(entry.path());
     std::sort(files.begin(), files.end());
     return files;

@@ -1,0 +1,41 @@
+// What a drawn scene ends up on: an image, a page, a box that grows, a cursor that wants to know what it
+// touches. A device knows plane lines and areas in its own coordinates and nothing of drawings.
+#pragma once
+
+#include "gi/sink/world_draw.h"
+
+#include <QColor>
+#include <QPainterPath>
+
+class KcGiDevice {
+public:
+    virtual ~KcGiDevice() = default;
+
+    /// How far a chord may stay away from its curve, in device units.
+    virtual double sagitta() const = 0;
+    /// True when a device keeps cubic curves (pages); else it gets chords.
+    virtual bool keepsCurves() const { return false; }
+    /// Things smaller than this many device units may be drawn as a dot. 0: everything counts.
+    virtual double smallest() const { return 0.0; }
+
+    struct Pen {
+        QRgb color = 0xff000000;
+        double width = 0.0; ///< device units; 0: as thin as can be seen
+    };
+    /// Lines; a path may hold many runs.
+    virtual void stroke(const QPainterPath& path, const Pen& pen) = 0;
+    /// Many separate lines, ends in pairs: dashes and hatches. A pair of equal points is a dot.
+    virtual void strokeLines(const std::vector<QLineF>& lines, const Pen& pen) = 0;
+    /// Areas by the even-odd rule.
+    virtual void fill(const QPainterPath& path, QRgb color) = 0;
+    virtual void fill(const QPainterPath& path, const QBrush& brush) = 0;
+    /// Hides what lies below an area.
+    virtual void mask(const QPainterPath& path) = 0;
+    /// A small mark in the place of what is too small to be told apart.
+    virtual void dot(QPointF at, QRgb color) = 0;
+    /// One line of text; `transform` leads from the run's glyph coordinates (capital height `run.height`, y
+    /// upward) to the device.
+    virtual void text(const KcGiTextRun& run, const QTransform& transform, QRgb color) = 0;
+    virtual void pushClip(const QPainterPath& path) = 0;
+    virtual void popClip() = 0;
+};

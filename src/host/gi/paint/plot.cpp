@@ -1,0 +1,322 @@
+// Plots: fitting a drawing to a paper, and writing the file whole or not at all.
+
+#include "gi/paint/plot.h"
+
+#include "db/block_table_record.h"
+#include "db/dictionary.h"
+#include "db/header.h"
+#include "db/tables.h"
+#include "gi/paint/painter_device.h"
+#include "gi/paint/scene.h"
+#include "platform/files.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSvgGenerator>
+
+namespace {
+
+constexpr double kMargin = 0.03; // of the paper, round a drawing that is fitted
+constexpr double kUsualLongSide = 420.0; // millimetres, of a paper that nobody chose
+constexpr int kUsualPixels = 1600;
+constexpr double kScreenDots = 96.0, kPageDots = 1200.0; // per inch
+constexpr double kMillimetresPerInch = 25.4;
+constexpr int kMostPixels = 30'000; // of one side of a picture
+
+struct Fit {
+    QSizeF paper; ///< millimetres
+    KcGePoint2d center; ///< drawing units
+    double millimetresPerUnit = 1.0;
+};
+
+Fit fit(const KcGiPlotRequest& request, const KcGeExtents2d& box)
+{
+    const double width = std::max(box.max.x - box.min.x, 0.0), height = std::max(box.max.y - box.min.y, 0.0);
+    Fit result;
+    result.center = { (box.min.x + box.max.x) / 2, (box.min.y + box.max.y) / 2 };
+    const double room = request.window ? 1.0 : 1.0 - 2.0 * kMargin;
+    // Nothing at all, or one point, is shown at the scale of one unit.
+    const double w = width > 0.0 || height > 0.0 ? width : 1.0,
+                 h = width > 0.0 || height > 0.0 ? height : 1.0;
+    if (request.paper)
+        result.paper = *request.paper;
+    else if (request.scale)
+        result.paper = QSizeF(w, h) / (request.drawingUnitsPerMillimetre * *request.scale * room);
+    else if (request.pixels)
+        result.paper = QSizeF(*request.pixels)
+            * (kUsualLongSide / std::max(request.pixels->width(), request.pixels->height()));
+    else {
+        // Very long and narrow drawings get a paper that is not.
+        constexpr double kLongest = 5.0;
+        const double shape = std::clamp(h > 0.0 ? w / h : kLongest, 1.0 / kLongest, kLongest);
+        result.paper = shape >= 1.0 ? QSizeF(kUsualLongSide, kUsualLongSide / shape)
+                                    : QSizeF(kUsualLongSide * shape, kUsualLongSide);
+    }
+    if (request.scale)
+        result.millimetresPerUnit = 1.0 / (request.drawingUnitsPerMillimetre * *request.scale);
+    else
+        result.millimetresPerUnit = room
+            * std::min(w > 0.0 ? result.paper.width() / w : INFINITY,
+                       h > 0.0 ? result.paper.height() / h : INFINITY);
+    return result;
+}
+
+KcGeMatrix3d toDevice(const Fit& fit, double unitsPerMillimetre)
+{
+    const double scale = fit.millimetresPerUnit * unitsPerMillimetre;
+    const double width = fit.paper.width() * unitsPerMillimetre,
+                 height = fit.paper.height() * unitsPerMillimetre;
+    return KcGeMatrix3d::fromAxes(
+        { width / 2 - fit.center.x * scale, height / 2 + fit.center.y * scale, 0 }, { scale, 0, 0 },
+        { 0, -scale, 0 }, { 0, 0, scale });
+}
+
+struct Job {
+    KcDbDatabase& database;
+    const KcGiPlotRequest& request;
+    KcDbObjectId space;
+    Fit fit;
+    KcGiPlotResult& result;
+};
+
+// Draws on a painter whose units are `unitsPerMillimetre`; false when cancelled.
+bool paint(const Job& job, QPainter& painter, double unitsPerMillimetre, bool page)
+{
+    KcGiPainterDevice::Options options;
+    options.page = page;
+    options.sagitta = page ? unitsPerMillimetre * 0.01 : 0.15;
+    options.smallest = page ? 0.0 : 0.7;
+    options.hairline = page ? unitsPerMillimetre * 0.05 : 0.0;
+    KcGiPainterDevice device(painter, options);
+    KcGiSceneOptions scene;
+    scene.toDevice = toDevice(job.fit, unitsPerMillimetre);
+    const QSizeF size = job.fit.paper * unitsPerMillimetre;
+    scene.area = QRectF(QPointF(0, 0), size);
+    scene.plotting = true;
+    scene.unitsPerMillimetre = unitsPerMillimetre;
+    scene.progress = job.request.progress;
+    scene.cancelled = job.request.cancelled;
+    painter.setClipRect(*scene.area);
+    KcGiScene drawn(job.database, device, scene);
+    const bool whole = drawn.drawSpace(job.space);
+    job.result.leftOut = drawn.leftOutThings();
+    return whole;
+}
+
+QString plotPicture(const Job& job)
+{
+    QSize pixels;
+    if (job.request.pixels) {
+        pixels = *job.request.pixels;
+    } else {
+        const double longSide = std::max(job.fit.paper.width(), job.fit.paper.height());
+        const double dots = job.request.paper || job.request.scale ? kScreenDots / kMillimetresPerInch
+                                                                   : kUsualPixels / longSide;
+        pixels = QSize(
+            int(std::ceil(job.fit.paper.width() * dots)), int(std::ceil(job.fit.paper.height() * dots)));
+    }
+    if (pixels.width() < 1 || pixels.height() < 1 || pixels.width() > kMostPixels
+        || pixels.height() > kMostPixels)
+        return QStringLiteral("A picture has 1 to %1 pixels to a side, not %2 × %3.")
+            .arg(kMostPixels)
+            .arg(pixels.width())
+            .arg(pixels.height());
+    QImage image(pixels, QImage::Format_RGB32);
+    if (image.isNull())
+        return QStringLiteral("There is not enough memory for a picture of %1 × %2 pixels.")
+            .arg(pixels.width())
+            .arg(pixels.height());
+    image.fill(Qt::white);
+    {
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        if (!paint(job, painter, pixels.width() / job.fit.paper.width(), false))
+            return QStringLiteral("The plot was cancelled.");
+    }
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (!image.save(&buffer, "PNG"))
+        return QStringLiteral("The picture could not be made.");
+    const platform::Status status = platform::writeFileAtomically(job.request.path, bytes);
+    return status ? QString() : status.error;
+}
+
+QString plotPdf(const Job& job)
+{
+    QByteArray bytes;
+    {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QPdfWriter writer(&buffer);
+        writer.setPageSize(QPageSize(job.fit.paper, QPageSize::Millimeter, {}, QPageSize::ExactMatch));
+        writer.setPageMargins(QMarginsF());
+        writer.setResolution(int(kPageDots));
+        writer.setCreator(QStringLiteral("Verdelis"));
+        writer.setTitle(QFileInfo(job.database.fileName()).completeBaseName());
+        QPainter painter(&writer);
+        if (!paint(job, painter, kPageDots / kMillimetresPerInch, true))
+            return QStringLiteral("The plot was cancelled.");
+    }
+    const platform::Status status = platform::writeFileAtomically(job.request.path, bytes);
+    return status ? QString() : status.error;
+}
+
+QString plotSvg(const Job& job)
+{
+    QByteArray bytes;
+    {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QSvgGenerator generator;
+        generator.setOutputDevice(&buffer);
+        constexpr double kUnits = 10.0; // of the file, a millimetre
+        generator.setResolution(int(kUnits * kMillimetresPerInch));
+        const QSizeF size = job.fit.paper * kUnits;
+        generator.setSize(size.toSize());
+        generator.setViewBox(QRectF(QPointF(0, 0), size));
+        generator.setTitle(QFileInfo(job.database.fileName()).completeBaseName());
+        QPainter painter(&generator);
+        if (!paint(job, painter, kUnits, true))
+            return QStringLiteral("The plot was cancelled.");
+    }
+    const platform::Status status = platform::writeFileAtomically(job.request.path, bytes);
+    return status ? QString() : status.error;
+}
+
+} // namespace
+
+std::optional<QSizeF> kcgiPaper(const QString& name)
+{
+    static const QRegularExpression sizes(
+        QStringLiteral("^\\s*(\\d+(?:\\.\\d+)?)\\s*[xX×*]\\s*(\\d+(?:\\.\\d+)?)\\s*$"));
+    if (const auto match = sizes.match(name); match.hasMatch()) {
+        const QSizeF size(match.captured(1).toDouble(), match.captured(2).toDouble());
+        constexpr double kLargest = 10'000.0; // millimetres
+        if (size.width() >= 1.0 && size.height() >= 1.0 && size.width() <= kLargest
+            && size.height() <= kLargest)
+            return size;
+        return {};
+    }
+    for (int id = 0; id <= int(QPageSize::LastPageSize); ++id) {
+        const QPageSize page{ QPageSize::PageSizeId(id) };
+        if (id == int(QPageSize::Custom) || page.key().compare(name, Qt::CaseInsensitive) != 0)
+            continue;
+        const QSizeF size = page.size(QPageSize::Millimeter);
+        return size.width() < size.height() ? size.transposed() : size;
+    }
+    return {};
+}
+
+double kcgiUnitsPerMillimetre(KcDbDatabase& database)
+{
+    const KcDbRead<KcDbHeader> header(database.headerId());
+    // The published codes: 1 inches, 2 feet, 4 millimetres, 5 centimetres, 6 metres, 14 decimetres.
+    switch (header ? header->integer(QStringLiteral("$INSUNITS"), 0) : 0) {
+    case 1:
+        return 1.0 / kMillimetresPerInch;
+    case 2:
+        return 1.0 / (12.0 * kMillimetresPerInch);
+    case 5:
+        return 0.1;
+    case 6:
+        return 0.001;
+    case 14:
+        return 0.01;
+    default:
+        return 1.0;
+    }
+}
+
+KcDbObjectId kcgiLayoutBlock(KcDbDatabase& database, const QString& name)
+{
+    if (name.compare(QLatin1String("Model"), Qt::CaseInsensitive) == 0)
+        return database.modelSpace();
+    const KcDbRead<KcDbSymbolTable> blocks(database.blockTable());
+    for (const KcDbObjectId id : blocks->records()) {
+        const KcDbRead<KcDbBlockTableRecord> record(id);
+        if (!record || !record->isLayout() || record->isModelSpace())
+            continue;
+        const KcDbRead<KcDbLayout> layout(record->data().layout);
+        if ((layout ? layout->data().name : record->name()).compare(name, Qt::CaseInsensitive) == 0)
+            return id;
+    }
+    return {};
+}
+
+QStringList kcgiLayoutNames(KcDbDatabase& database)
+{
+    std::vector<std::pair<int, QString>> layouts;
+    const KcDbRead<KcDbSymbolTable> blocks(database.blockTable());
+    for (const KcDbObjectId id : blocks->records()) {
+        const KcDbRead<KcDbBlockTableRecord> record(id);
+        if (!record || !record->isLayout() || record->isModelSpace())
+            continue;
+        const KcDbRead<KcDbLayout> layout(record->data().layout);
+        layouts.push_back(
+            layout ? std::pair(layout->data().tabOrder, layout->data().name) : std::pair(0, record->name()));
+    }
+    std::sort(layouts.begin(), layouts.end());
+    QStringList names{ QStringLiteral("Model") };
+    for (const auto& [order, name] : layouts)
+        names += name;
+    return names;
+}
+
+KcGeExtents2d kcgiVisibleExtents(KcDbDatabase& database, KcDbObjectId space)
+{
+    KcGeExtents2d box;
+    const KcDbRead<KcDbBlockTableRecord> record(space);
+    if (!record)
+        return box;
+    std::unordered_map<const void*, bool> seen;
+    for (const KcDbObjectId id : *record) {
+        const KcDbRead<KcDbEntity> entity(id);
+        if (!entity || !entity->isVisible())
+            continue;
+        const auto [known, isNew] = seen.try_emplace(entity->layerId().stub(), true);
+        if (isNew)
+            if (const KcDbRead<KcDbLayerTableRecord> layer(entity->layerId()); layer)
+                known->second = !layer->isOff() && !layer->isFrozen();
+        const KcGeExtents3d own = known->second ? entity->geomExtents() : KcGeExtents3d();
+        if (!own.isEmpty() && kcgiIsDrawable(own.min) && kcgiIsDrawable(own.max))
+            box.addExtents({ { own.min.x, own.min.y }, { own.max.x, own.max.y } });
+    }
+    return box;
+}
+
+KcGiPlotResult kcgiPlot(KcDbDatabase& database, const KcGiPlotRequest& request)
+{
+    KcGiPlotResult result;
+    KcGi::ensureGuiApplication();
+    const KcDbObjectId space
+        = request.layout.isEmpty() ? database.currentSpace() : kcgiLayoutBlock(database, request.layout);
+    if (space.isNull()) {
+        result.error = QStringLiteral("The drawing has no layout \"%1\"; it has: %2.")
+                           .arg(request.layout, kcgiLayoutNames(database).join(QStringLiteral(", ")));
+        return result;
+    }
+    KcGeExtents2d box = request.window ? *request.window : kcgiVisibleExtents(database, space);
+    if (box.isEmpty())
+        box.addPoint({ 0, 0 });
+    KcGiPlotRequest own = request;
+    // Paper space is drawn in millimetres of paper.
+    if (space != database.modelSpace() && !request.layout.isEmpty())
+        own.drawingUnitsPerMillimetre = 1.0;
+    const Job job{ database, own, space, fit(own, box), result };
+    result.paper = job.fit.paper;
+    result.scale = 1.0 / (job.fit.millimetresPerUnit * own.drawingUnitsPerMillimetre);
+    const QString suffix = QFileInfo(request.path).suffix().toLower();
+    if (suffix == u"png")
+        result.error = plotPicture(job);
+    else if (suffix == u"pdf")
+        result.error = plotPdf(job);
+    else if (suffix == u"svg")
+        result.error = plotSvg(job);
+    else
+        result.error = QStringLiteral("A plot is a .png, .pdf or .svg file, not \"%1\".").arg(request.path);
+    return result;
+}

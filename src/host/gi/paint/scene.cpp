@@ -1,0 +1,314 @@
+// Walking a drawing: what is visible, in which order, and how it looks.
+
+#include "gi/paint/scene.h"
+
+#include "db/block_reference.h"
+#include "db/header.h"
+#include "db/tables.h"
+#include "gi/colour_table.h"
+
+namespace {
+
+constexpr size_t kDeepest = 64; // blocks in blocks
+constexpr size_t kMostVisits = 200'000'000; // entities drawn, those of blocks counted each time
+constexpr size_t kVisitsBetweenLooks = 256;
+constexpr int kDefaultLineWeight = 25; // hundredths of a millimetre
+constexpr int kByLayerWeight = -1, kByBlockWeight = -2, kDefaultWeight = -3;
+constexpr uint32_t kAlphaGiven = 0x02000000, kAlphaByBlock = 0x01000000;
+
+// Attribute definitions stand for the attributes of the reference; constant ones are drawn with the
+// definition.
+bool isReplaced(const KcDbEntity& entity)
+{
+    return entity.isKindOf(KcDbAttributeDefinition::desc())
+        && (!static_cast<const KcDbAttributeDefinition&>(entity).isConstant()
+            || static_cast<const KcDbAttributeDefinition&>(entity).isInvisible());
+}
+
+bool isLight(QRgb color)
+{
+    return qGray(color) >= 128;
+}
+
+} // namespace
+
+KcGiScene::KcGiScene(KcDbDatabase& database, KcGiDevice& device, const KcGiSceneOptions& options)
+    : m_database(database)
+    , m_device(device)
+    , m_options(options)
+{
+    if (const KcDbRead<KcDbHeader> header(database.headerId()); header)
+        m_linetypeScale = header->real("$LTSCALE", 1.0);
+    if (!(m_linetypeScale > 0.0) || !std::isfinite(m_linetypeScale))
+        m_linetypeScale = 1.0;
+    m_context.blockColor = isLight(options.background) ? 0xff000000 : 0xffffffff;
+    enter(options.toDevice);
+}
+
+KcGiScene::~KcGiScene() = default;
+
+// The part of the plane that is seen and the size of a pixel, in the coordinates that a matrix leads from.
+void KcGiScene::enter(const KcGeMatrix3d& toDevice)
+{
+    m_context.matrix = toDevice;
+    // Seen along the Z axis only the upper left part matters.
+    const double a = toDevice.entry(0, 0), b = toDevice.entry(0, 1), c = toDevice.entry(1, 0),
+                 d = toDevice.entry(1, 1);
+    const double determinant = a * d - b * c;
+    const double scale = kcgiLargestScale(toDevice);
+    m_context.pixel = scale > 0.0 && std::isfinite(scale) ? 1.0 / scale : 0.0;
+    m_context.window.reset();
+    if (!m_options.area || !std::isfinite(determinant) || determinant == 0.0)
+        return;
+    KcGeExtents2d window;
+    const QRectF& area = *m_options.area;
+    for (const QPointF corner : { area.topLeft(), area.topRight(), area.bottomLeft(), area.bottomRight() }) {
+        const double x = corner.x() - toDevice.entry(0, 3), y = corner.y() - toDevice.entry(1, 3);
+        window.addPoint({ (d * x - b * y) / determinant, (a * y - c * x) / determinant });
+    }
+    m_context.window = window;
+}
+
+// Properties.
+
+const KcGiScene::Layer& KcGiScene::layer(KcDbObjectId id)
+{
+    const auto [at, isNew] = m_layers.try_emplace(id.stub());
+    Layer& layer = at->second;
+    if (!isNew)
+        return layer;
+    if (const KcDbRead<KcDbLayerTableRecord> record(id); record) {
+        layer.color = { record->data().color.index, record->data().color.rgb };
+        layer.linetype = record->linetypeObjectId();
+        layer.lineWeight = record->data().lineWeight;
+        layer.off = record->isOff();
+        layer.frozen = record->isFrozen();
+        layer.plottable = record->data().plottable;
+    }
+    layer.rgb = resolve(layer.color, layer);
+    return layer;
+}
+
+const KcGiScene::Pattern* KcGiScene::pattern(KcDbObjectId linetype)
+{
+    if (linetype.isNull())
+        return nullptr;
+    const auto [at, isNew] = m_patterns.try_emplace(linetype.stub());
+    Pattern& pattern = at->second;
+    if (isNew)
+        if (const KcDbRead<KcDbLinetypeTableRecord> record(linetype); record) {
+            // Shapes and texts stand in gaps; they are left as gaps.
+            for (const auto& dash : record->data().dashes) {
+                pattern.dashes.push_back(dash.length);
+                pattern.length += std::abs(dash.length);
+            }
+            const bool hasGap = std::any_of(
+                pattern.dashes.begin(), pattern.dashes.end(), [](double length) { return length < 0.0; });
+            if (!hasGap || !std::isfinite(pattern.length))
+                pattern = {};
+        }
+    return pattern.length > 0.0 ? &pattern : nullptr;
+}
+
+QRgb KcGiScene::resolve(const KcGiColor& color, const Layer& layer) const
+{
+    if (m_options.oneColor)
+        return *m_options.oneColor;
+    if (color.rgb >= 0)
+        return 0xff000000u | QRgb(color.rgb);
+    if (color.index == KcGiColor::kByLayer)
+        return layer.rgb;
+    if (color.index == KcGiColor::kByBlock)
+        return m_context.blockColor;
+    if (color.index == 7 || color.index == 255) {
+        const QRgb white = kcgiIndexColor(color.index);
+        return isLight(m_options.background) ? QRgb(0xff000000) : white;
+    }
+    return kcgiIndexColor(color.index);
+}
+
+int KcGiScene::lineWeightOf(int hundredths, const Layer& layer) const
+{
+    if (hundredths == kByLayerWeight)
+        hundredths = layer.lineWeight;
+    else if (hundredths == kByBlockWeight)
+        hundredths = m_context.blockLineWeight;
+    return hundredths < 0 ? kDefaultWeight : hundredths;
+}
+
+double KcGiScene::penWidth(int hundredths, const Layer& layer) const
+{
+    const int weight = lineWeightOf(hundredths, layer);
+    return (weight == kDefaultWeight ? kDefaultLineWeight : weight) / 100.0 * m_options.unitsPerMillimetre;
+}
+
+int KcGiScene::alphaOf(const KcDbEntity& entity) const
+{
+    const uint32_t value = entity.transparency();
+    if (value & kAlphaGiven)
+        return int(value & 0xff);
+    return value & kAlphaByBlock ? m_context.blockAlpha : 255;
+}
+
+KcGiColor KcGiScene::entityColor() const
+{
+    return m_entity ? KcGiColor{ m_entity->color().index, m_entity->color().rgb } : KcGiColor();
+}
+
+void KcGiScene::setColor(const KcGiColor& color)
+{
+    if (!m_entity || !m_layer)
+        return;
+    // ByLayer and ByBlock of a part mean the entity's own colour where that is another one.
+    const bool own
+        = color.rgb < 0 && (color.index == KcGiColor::kByLayer || color.index == KcGiColor::kByBlock);
+    const int alpha = qAlpha(m_traits.color);
+    const QRgb rgb = resolve(own ? entityColor() : color, *m_layer);
+    m_traits.color = qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alpha);
+}
+
+void KcGiScene::setLineWeight(int hundredths)
+{
+    if (m_layer)
+        m_traits.width = penWidth(hundredths, *m_layer);
+}
+
+// Walking.
+
+bool KcGiScene::isStopped()
+{
+    if (m_stopped)
+        return true;
+    if (++m_visits > kMostVisits) {
+        leftOut(QStringLiteral("everything behind the first %1 parts").arg(kMostVisits));
+        return m_stopped = true;
+    }
+    if (m_visits % kVisitsBetweenLooks == 0 && m_options.cancelled && m_options.cancelled())
+        m_stopped = true;
+    return m_stopped;
+}
+
+bool KcGiScene::drawSpace(KcDbObjectId block)
+{
+    const KcDbRead<KcDbBlockTableRecord> record(block);
+    return !record || drawAll(record->entityIds());
+}
+
+bool KcGiScene::draw(const std::vector<KcDbObjectId>& ids)
+{
+    return drawAll(ids);
+}
+
+bool KcGiScene::drawAll(const std::vector<KcDbObjectId>& ids)
+{
+    size_t done = 0;
+    for (const KcDbObjectId id : ids) {
+        if (isStopped())
+            return false;
+        if (const KcDbRead<KcDbEntity> entity(id); entity)
+            drawOne(*entity);
+        if (m_options.progress && m_definitions.empty())
+            m_options.progress(++done, ids.size());
+    }
+    return !m_stopped;
+}
+
+void KcGiScene::draw(const KcDbEntity& entity)
+{
+    drawOne(entity);
+}
+
+void KcGiScene::entity(const KcDbEntity& entity)
+{
+    drawOne(entity);
+}
+
+void KcGiScene::drawOne(const KcDbEntity& entity)
+{
+    if (!entity.isVisible())
+        return;
+    const Layer* own = &layer(entity.layerId());
+    // What lies on the layer "0" of a definition takes the layer of the reference.
+    static const QString zero = QStringLiteral("0");
+    if (m_context.blockLayer && (entity.layerId().isNull() || entity.layer() == zero))
+        own = m_context.blockLayer;
+    if (own->frozen || (m_options.plotting && !own->plottable))
+        return;
+    const bool isReference = entity.isKindOf(KcDbBlockReference::desc());
+    if (own->off && !isReference)
+        return;
+    if (m_context.window && !isReference)
+        if (const KcGeExtents3d box = entity.geomExtents(); !box.isEmpty() && !wants(box))
+            return;
+
+    const Traits traitsBefore = m_traits;
+    const KcDbEntity* entityBefore = std::exchange(m_entity, &entity);
+    const Layer* layerBefore = std::exchange(m_layer, own);
+
+    const QRgb rgb = resolve(entityColor(), *own);
+    m_traits = {};
+    m_traits.color = qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alphaOf(entity));
+    const KcDbObjectId linetype = entity.linetypeId();
+    if (linetype.isNull() || linetype == m_database.byLayerLinetype())
+        m_traits.pattern = pattern(own->linetype);
+    else if (kcdbRecordName(linetype).compare(QLatin1String("ByBlock"), Qt::CaseInsensitive) == 0)
+        m_traits.pattern = m_context.blockPattern;
+    else
+        m_traits.pattern = pattern(linetype);
+    m_traits.patternScale = m_linetypeScale * (entity.linetypeScale() > 0.0 ? entity.linetypeScale() : 1.0);
+    m_traits.width = penWidth(entity.lineWeight(), *own);
+
+    entity.worldDraw(*this);
+
+    m_traits = traitsBefore;
+    m_entity = entityBefore;
+    m_layer = layerBefore;
+}
+
+void KcGiScene::block(KcDbObjectId definition, const KcGeMatrix3d& toCurrent)
+{
+    const KcDbRead<KcDbBlockTableRecord> record(definition);
+    if (!record || m_stopped)
+        return;
+    if (std::find(m_definitions.begin(), m_definitions.end(), definition) != m_definitions.end())
+        return leftOut(QStringLiteral("the block %1 inside itself").arg(record->name()));
+    if (m_definitions.size() >= kDeepest)
+        return leftOut(QStringLiteral("blocks nested more than %1 deep").arg(kDeepest));
+    for (int row = 0; row < 3; ++row)
+        for (int column = 0; column < 4; ++column)
+            if (!(std::abs(toCurrent.entry(row, column)) < kcgiFarthest))
+                return leftOut(QStringLiteral("a block at no place that could be drawn"));
+
+    const KcGeExtents3d box = KcDbBlockReference::definitionExtents(definition);
+    const KcGeExtents3d placed = box.isEmpty() ? box : toCurrent.transformed(box);
+    if (!box.isEmpty() && !wants(placed))
+        return;
+    if (!box.isEmpty() && m_device.smallest() > 0.0) {
+        const KcGeExtents3d seen = m_context.matrix.transformed(placed);
+        if (std::max(seen.width(), seen.height()) < m_device.smallest()) {
+            const KcGePoint3d center = seen.center();
+            return m_device.dot({ center.x, center.y }, m_traits.color);
+        }
+    }
+
+    const Context before = m_context;
+    const Traits traitsBefore = m_traits;
+    m_context.blockColor = m_traits.color | 0xff000000u;
+    m_context.blockPattern = m_traits.pattern;
+    m_context.blockLineWeight
+        = m_entity && m_layer ? lineWeightOf(m_entity->lineWeight(), *m_layer) : kDefaultWeight;
+    m_context.blockAlpha = qAlpha(m_traits.color);
+    m_context.blockLayer = m_layer;
+    enter(before.matrix * toCurrent);
+    m_definitions.push_back(definition);
+    for (const KcDbObjectId id : *record) {
+        if (isStopped())
+            break;
+        const KcDbRead<KcDbEntity> entity(id);
+        if (entity && !isReplaced(*entity))
+            drawOne(*entity);
+    }
+    m_definitions.pop_back();
+    m_context = before;
+    m_traits = traitsBefore;
+}

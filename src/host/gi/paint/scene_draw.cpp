@@ -1,0 +1,372 @@
+// From paths in space to lines and areas on the device: curves, line types, clips, points, texts.
+
+#include "gi/paint/scene.h"
+
+#include "db/header.h"
+#include "db/open.h"
+
+#include <QBrush>
+#include <QLinearGradient>
+#include <QPolygonF>
+#include <QRadialGradient>
+
+namespace {
+
+constexpr double kFinestPeriod = 3.0; // device units: shorter line type patterns look like an even line
+constexpr size_t kMostDashes = 200'000; // of one path
+constexpr double kSmallestText = 0.6; // device units of capital height: below it a text is not seen
+constexpr double kFar = 1e6; // device units: what lies further outside is cut off
+
+KcGePoint3d seen(const KcGeMatrix3d& matrix, KcGePoint3d p)
+{
+    return matrix * p;
+}
+
+/// Cuts a line to a box; false when nothing of it is inside (Liang and Barsky).
+bool cut(QPointF& a, QPointF& b, const QRectF& box)
+{
+    double from = 0.0, to = 1.0;
+    const QPointF way = b - a;
+    const double p[] = { -way.x(), way.x(), -way.y(), way.y() };
+    const double q[] = { a.x() - box.left(), box.right() - a.x(), a.y() - box.top(), box.bottom() - a.y() };
+    for (int edge = 0; edge < 4; ++edge) {
+        if (p[edge] == 0.0) { // parallel to the edge
+            if (q[edge] < 0.0)
+                return false;
+            continue;
+        }
+        const double t = q[edge] / p[edge];
+        if (p[edge] < 0.0)
+            from = std::max(from, t);
+        else
+            to = std::min(to, t);
+    }
+    if (from > to)
+        return false;
+    b = a + way * to;
+    a = a + way * from;
+    return true;
+}
+
+bool isNear(QPointF p)
+{
+    return std::abs(p.x()) < kFar && std::abs(p.y()) < kFar;
+}
+
+} // namespace
+
+// The path on the device. Lines that lead far outside the seen area are cut, so that no painter has to cope
+// with gigantic coordinates.
+QPainterPath KcGiScene::plane(const KcGiPath& path) const
+{
+    QPainterPath result;
+    if (m_device.keepsCurves()) {
+        bool open = false, drawable = true;
+        const auto at = [&](KcGePoint3d p) {
+            const KcGePoint3d device = seen(m_context.matrix, p);
+            drawable = drawable && kcgiIsDrawable(device);
+            return QPointF(device.x, device.y);
+        };
+        for (const KcGiPath::Element& element : path.elements()) {
+            if (const auto* move = std::get_if<KcGiPath::Move>(&element)) {
+                result.moveTo(at(move->to));
+                open = true;
+            } else if (const auto* line = std::get_if<KcGiPath::Line>(&element)) {
+                result.lineTo(at(line->to));
+            } else if (const auto* arc = std::get_if<KcGeEllipArc3d>(&element)) {
+                if (!std::exchange(open, true))
+                    result.moveTo(at(arc->startPoint()));
+                const std::vector<KcGePoint3d> handles = KcGiPath::beziers(*arc);
+                for (size_t i = 0; i + 2 < handles.size(); i += 3)
+                    result.cubicTo(at(handles[i]), at(handles[i + 1]), at(handles[i + 2]));
+            } else if (const auto* spline = std::get_if<KcGiPath::Spline>(&element)) {
+                const double scale = kcgiLargestScale(m_context.matrix);
+                for (const KcGePoint3d& p : (*spline)->chords(m_device.sagitta() / std::max(scale, 1e-300)))
+                    result.lineTo(at(p));
+            } else {
+                result.closeSubpath();
+                open = false;
+            }
+        }
+        if (drawable)
+            return result;
+        result = {};
+    }
+    QPolygonF run;
+    path.flatten(
+        m_context.matrix, m_device.sagitta(),
+        [&](KcGePoint3d p, bool begins) {
+            if (begins)
+                run.clear();
+            run.append({ p.x, p.y });
+        },
+        [&](bool closed) {
+            if (run.isEmpty())
+                return;
+            result.addPolygon(run);
+            if (closed)
+                result.closeSubpath();
+        });
+    return result;
+}
+
+void KcGiScene::stroke(const KcGiPath& path, Stroke options)
+{
+    const KcGiDevice::Pen pen{ m_traits.color, m_traits.width };
+    const double scale = kcgiLargestScale(m_context.matrix);
+    if (m_traits.pattern && !m_traits.continuous
+        && (!m_options.area || m_traits.pattern->length * m_traits.patternScale * scale >= kFinestPeriod))
+        return dash(path, options);
+    if (!m_options.area)
+        return m_device.stroke(plane(path), pen);
+
+    // Most strokes are near the seen area; the others are cut piece by piece.
+    const QPainterPath lines = plane(path);
+    const QRectF box = lines.controlPointRect();
+    if (isNear(box.topLeft()) && isNear(box.bottomRight()))
+        return m_device.stroke(lines, pen);
+    const double margin = 100.0 + 2.0 * m_traits.width;
+    const QRectF area = m_options.area->adjusted(-margin, -margin, margin, margin);
+    std::vector<QLineF> pieces;
+    for (const QPolygonF& run : lines.toSubpathPolygons())
+        for (int i = 0; i + 1 < run.size(); ++i) {
+            QPointF a = run[i], b = run[i + 1];
+            if (cut(a, b, area))
+                pieces.push_back({ a, b });
+        }
+    m_device.strokeLines(pieces, pen);
+}
+
+// Dashes walk along the chords of the path. The pattern is centred on nothing: it begins at the start of each
+// run.
+void KcGiScene::dash(const KcGiPath& path, Stroke options)
+{
+    const double scale = kcgiLargestScale(m_context.matrix);
+    const std::vector<double>& dashes = m_traits.pattern->dashes;
+    const double factor = m_traits.patternScale * scale;
+    const KcGiDevice::Pen pen{ m_traits.color, m_traits.width };
+    std::optional<QRectF> area;
+    if (m_options.area)
+        area = m_options.area->adjusted(-pen.width - 2, -pen.width - 2, pen.width + 2, pen.width + 2);
+
+    std::vector<QLineF> pieces;
+    size_t at = 0; // the element of the pattern
+    double left = std::abs(dashes[0]) * factor; // of that element
+    bool overflow = false;
+    const auto restart = [&] {
+        at = 0;
+        left = std::abs(dashes[0]) * factor;
+    };
+    const auto draw = [&](QPointF a, QPointF b) {
+        if (!area || cut(a, b, *area))
+            pieces.push_back({ a, b });
+    };
+    const auto walk = [&](QPointF a, QPointF b) {
+        const double length = std::hypot(b.x() - a.x(), b.y() - a.y());
+        if (!(length > 0.0))
+            return;
+        const QPointF unit = (b - a) / length;
+        double from = 0.0, to = length;
+        if (area) {
+            // What cannot be seen is passed over by whole periods.
+            QPointF p = a, q = b;
+            if (!cut(p, q, *area)) {
+                from = to = length;
+            } else {
+                from = std::hypot(p.x() - a.x(), p.y() - a.y());
+                to = std::hypot(q.x() - a.x(), q.y() - a.y());
+            }
+        }
+        const double period = m_traits.pattern->length * factor;
+        double s = 0.0;
+        const auto advance = [&](double until, bool visible) {
+            if (!visible)
+                s += std::floor(std::max(0.0, until - s) / period) * period;
+            while (s < until) {
+                const double step = std::min(left, until - s);
+                if (visible && dashes[at] >= 0.0) {
+                    if (pieces.size() >= kMostDashes)
+                        overflow = true;
+                    else
+                        draw(a + unit * s, a + unit * (s + step));
+                }
+                s += step;
+                left -= step;
+                if (left <= 0.0) {
+                    at = (at + 1) % dashes.size();
+                    left = std::abs(dashes[at]) * factor;
+                    if (left <= 0.0 && visible && dashes[at] == 0.0)
+                        draw(a + unit * s, a + unit * s);
+                }
+                if (overflow)
+                    return;
+            }
+        };
+        advance(from, false);
+        advance(to, true);
+        advance(length, false);
+    };
+    QPointF first, last;
+    path.flatten(
+        m_context.matrix, m_device.sagitta(),
+        [&](KcGePoint3d p, bool begins) {
+            const QPointF now(p.x, p.y);
+            if (begins) {
+                first = now;
+                restart();
+            } else {
+                walk(last, now);
+                if (!options.throughVertices)
+                    restart();
+            }
+            last = now;
+        },
+        [&](bool closed) {
+            if (closed)
+                walk(last, first);
+        });
+    if (overflow)
+        leftOut(QStringLiteral("dashes beyond the first %1 of a line").arg(kMostDashes));
+    m_device.strokeLines(pieces, pen);
+}
+
+void KcGiScene::fill(const KcGiPath& path)
+{
+    m_device.fill(plane(path), m_traits.color);
+}
+
+void KcGiScene::fill(const KcGiPath& path, const KcGiGradient& gradient)
+{
+    const QPainterPath area = plane(path);
+    const QRectF box = area.boundingRect();
+    if (m_options.oneColor)
+        return m_device.fill(area, m_traits.color);
+    QColor from = QColor::fromRgb(gradient.from), to = QColor::fromRgb(gradient.to);
+    from.setAlpha(qAlpha(m_traits.color));
+    to.setAlpha(qAlpha(m_traits.color));
+    if (gradient.inverted)
+        std::swap(from, to);
+    const KcGeVector3d turned
+        = m_context.matrix * KcGeVector3d{ std::cos(gradient.angle), std::sin(gradient.angle), 0.0 };
+    const QPointF along = QPointF(turned.x, turned.y) / std::max(std::hypot(turned.x, turned.y), 1e-300);
+    const double reach = (std::abs(along.x()) * box.width() + std::abs(along.y()) * box.height()) / 2.0;
+    const QPointF middle = box.center() - along * (reach * gradient.shift / 2.0);
+    using Shape = KcGiGradient::Shape;
+    if (gradient.shape == Shape::Linear || gradient.shape == Shape::Cylinder) {
+        QLinearGradient colors(middle - along * reach, middle + along * reach);
+        colors.setColorAt(0.0, from);
+        if (gradient.shape == Shape::Cylinder) {
+            colors.setColorAt(0.5, to);
+            colors.setColorAt(1.0, from);
+        } else {
+            colors.setColorAt(1.0, to);
+        }
+        return m_device.fill(area, QBrush(colors));
+    }
+    const double radius = std::hypot(box.width(), box.height()) / 2.0;
+    const bool half = gradient.shape == Shape::Hemispherical;
+    QRadialGradient colors(half ? box.center() + along * radius : middle, half ? 2.0 * radius : radius);
+    colors.setColorAt(0.0, to);
+    colors.setColorAt(1.0, from);
+    m_device.fill(area, QBrush(colors));
+}
+
+void KcGiScene::mask(const KcGiPath& path)
+{
+    if (!m_options.oneColor)
+        m_device.mask(plane(path));
+}
+
+void KcGiScene::infiniteLine(KcGePoint3d base, KcGeVector3d direction, bool bothWays)
+{
+    // Without a seen area it has no ends that could be drawn, and no extents.
+    if (!m_options.area)
+        return;
+    const KcGePoint3d at = seen(m_context.matrix, base);
+    const KcGeVector3d way = m_context.matrix * direction;
+    const double length = std::hypot(way.x, way.y);
+    if (!kcgiIsDrawable(at) || !(length > 0.0) || !std::isfinite(length))
+        return;
+    const QPointF unit(way.x / length, way.y / length), origin(at.x, at.y);
+    const QPointF center = m_options.area->center();
+    const double reach = std::hypot(center.x() - origin.x(), center.y() - origin.y())
+        + std::hypot(m_options.area->width(), m_options.area->height());
+    QPointF a = bothWays ? origin - unit * reach : origin, b = origin + unit * reach;
+    if (cut(a, b, *m_options.area))
+        m_device.strokeLines({ { a, b } }, { m_traits.color, m_traits.width });
+}
+
+void KcGiScene::point(KcGePoint3d position, double turn)
+{
+    const KcDbRead<KcDbHeader> header(m_database.headerId());
+    const int mode = header ? int(header->integer("$PDMODE", 0)) : 0;
+    const double given = header ? header->real("$PDSIZE", 0.0) : 0.0;
+    const KcGePoint3d at = seen(m_context.matrix, position);
+    if (!kcgiIsDrawable(at))
+        return;
+    const QPointF center(at.x, at.y);
+    // Nothing given: a twentieth of the height of the view; negative: that many hundredths of it.
+    constexpr double kUsualShare = 0.05;
+    const double tall = m_options.area ? m_options.area->height() : 0.0;
+    const double size = given > 0.0 ? given * kcgiLargestScale(m_context.matrix)
+                                    : tall * (given < 0.0 ? -given / 100.0 : kUsualShare);
+    const double half = size / 2.0;
+    const KcGeVector3d axis = m_context.matrix * KcGeVector3d{ std::cos(turn), std::sin(turn), 0.0 };
+    const double angle = std::atan2(axis.y, axis.x);
+    const QPointF u = QPointF(std::cos(angle), std::sin(angle)) * half, v(-u.y(), u.x());
+    std::vector<QLineF> lines;
+    switch (mode & 7) {
+    case 0:
+        lines = { { center, center } };
+        break;
+    case 2:
+        lines = { { center - u * 2, center + u * 2 }, { center - v * 2, center + v * 2 } };
+        break;
+    case 3:
+        lines = { { center - u - v, center + u + v }, { center - u + v, center + u - v } };
+        break;
+    case 4:
+        lines = { { center, center - v } };
+        break;
+    default: // 1: nothing
+        break;
+    }
+    const KcGiDevice::Pen pen{ m_traits.color, m_traits.width };
+    m_device.strokeLines(lines, pen);
+    QPainterPath frame;
+    if (mode & 32)
+        frame.addEllipse(center, half, half);
+    if (mode & 64)
+        frame.addPolygon(
+            QPolygonF{ center - u - v, center + u - v, center + u + v, center - u + v, center - u - v });
+    if (!frame.isEmpty())
+        m_device.stroke(frame, pen);
+}
+
+void KcGiScene::text(const KcGiTextRun& run)
+{
+    const KcGePoint3d origin = seen(m_context.matrix, run.origin);
+    const KcGeVector3d along = m_context.matrix * run.along, up = m_context.matrix * run.up;
+    const double tall = std::hypot(up.x, up.y) * run.height;
+    if (!kcgiIsDrawable(origin) || !std::isfinite(tall) || !std::isfinite(along.x) || !std::isfinite(along.y))
+        return;
+    if (m_options.area && tall < kSmallestText)
+        return;
+    m_device.text(run, QTransform(along.x, along.y, up.x, up.y, origin.x, origin.y), m_traits.color);
+}
+
+void KcGiScene::pushClip(const KcGiPath& area, bool inverted)
+{
+    QPainterPath path = plane(area);
+    if (inverted && m_options.area) {
+        QPainterPath outside;
+        outside.addRect(m_options.area->adjusted(-1, -1, 1, 1));
+        path = outside.subtracted(path);
+    }
+    m_device.pushClip(path);
+}
+
+void KcGiScene::popClip()
+{
+    m_device.popClip();
+}
