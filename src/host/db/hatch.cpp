@@ -52,7 +52,9 @@ KcGeEllipArc3d ellipticArc(const KcDbHatch::EllipseEdge& edge)
     return arc;
 }
 
-KcDbHatch::EllipseEdge edgeOf(const KcGeEllipArc3d& image)
+} // namespace
+
+KcDbHatch::EllipseEdge kcdbEllipseEdge(const KcGeEllipArc3d& image)
 {
     const KcGeEllipArc3d arc = image.principal();
     KcDbHatch::EllipseEdge edge;
@@ -72,6 +74,8 @@ KcDbHatch::EllipseEdge edgeOf(const KcGeEllipArc3d& image)
     edge.endAngle = angleOfAnomaly(start + std::abs(arc.sweep), edge.radiusRatio);
     return edge;
 }
+
+namespace {
 
 /// The curve of a spline edge; not valid when its values make none.
 KcGeNurbsCurve3d curveOf(const KcDbHatch::SplineEdge& edge)
@@ -96,8 +100,9 @@ KcGeNurbsCurve3d curveOf(const KcDbHatch::SplineEdge& edge)
     return KcGeNurbsCurve3d::throughPoints(points, ends).value_or(KcGeNurbsCurve3d());
 }
 
-/// A loop as pieces in the plane of the hatch.
-std::vector<KcGeFillPiece> piecesOf(const KcDbHatch::Loop& loop)
+} // namespace
+
+std::vector<KcGeFillPiece> kcdbPiecesOf(const KcDbHatch::Loop& loop)
 {
     std::vector<KcGeFillPiece> pieces;
     const size_t n = loop.vertices.size();
@@ -127,13 +132,11 @@ std::vector<KcGeFillPiece> piecesOf(const KcDbHatch::Loop& loop)
     return pieces;
 }
 
-} // namespace
-
 KcGeFillArea KcDbHatch::fillArea() const
 {
     std::vector<std::vector<KcGeFillPiece>> loops;
     for (const Loop& loop : m_data.loops)
-        loops.push_back(piecesOf(loop));
+        loops.push_back(kcdbPiecesOf(loop));
     return KcGeFillArea(loops);
 }
 
@@ -149,16 +152,6 @@ std::optional<double> KcDbHatch::getArea() const
     const KcGeFillArea area = fillArea();
     const double value = area.area(fillStyle());
     return area.isSound() && value > 0.0 ? std::optional(value) : std::nullopt;
-}
-
-std::vector<KcDbObjectId> KcDbHatch::getAssocObjIds() const
-{
-    std::vector<KcDbObjectId> result;
-    for (const Loop& loop : m_data.loops)
-        for (const KcDbObjectId id : loop.sources)
-            if (!id.isNull() && std::find(result.begin(), result.end(), id) == result.end())
-                result.push_back(id);
-    return result;
 }
 
 // Boxes and transforms.
@@ -229,7 +222,7 @@ void transformEdge(KcDbHatch::ArcEdge& edge, const KcDbPlaneTransform& plane)
 
 void transformEdge(KcDbHatch::EllipseEdge& edge, const KcDbPlaneTransform& plane)
 {
-    edge = edgeOf(ellipticArc(edge).transformed(plane.toNewPlane));
+    edge = kcdbEllipseEdge(ellipticArc(edge).transformed(plane.toNewPlane));
 }
 
 void transformEdge(KcDbHatch::SplineEdge& edge, const KcDbPlaneTransform& plane)
@@ -259,7 +252,7 @@ void makeElliptic(KcDbHatch::Loop& loop)
                 break;
             const KcGePoint2d start{ from.x, from.y }, end{ to.x, to.y };
             if (const auto arc = KcGeCircArc2d::fromBulge(start, end, from.bulge))
-                loop.edges.push_back(edgeOf(kcdbArcInSpace(
+                loop.edges.push_back(kcdbEllipseEdge(kcdbArcInSpace(
                     {}, raised(arc->center()), arc->radius(), arc->startAngle(), arc->sweep())));
             else if (start != end)
                 loop.edges.push_back(KcDbHatch::LineEdge{ start, end });
@@ -270,10 +263,25 @@ void makeElliptic(KcDbHatch::Loop& loop)
     }
     for (KcDbHatch::Edge& edge : loop.edges)
         if (const auto* arc = std::get_if<KcDbHatch::ArcEdge>(&edge))
-            edge = edgeOf(ellipticArc(*arc));
+            edge = kcdbEllipseEdge(ellipticArc(*arc));
 }
 
 } // namespace
+
+void kcdbTransformLoop(KcDbHatch::Loop& loop, const KcDbPlaneTransform& plane)
+{
+    if (!plane.isUniform())
+        makeElliptic(loop);
+    for (KcDbPolyline::Vertex& v : loop.vertices) {
+        const KcGePoint2d p = plane.point(KcGePoint2d{ v.x, v.y });
+        v.x = p.x;
+        v.y = p.y;
+        if (plane.mirrors())
+            v.bulge = -v.bulge;
+    }
+    for (KcDbHatch::Edge& edge : loop.edges)
+        std::visit([&](auto& e) { transformEdge(e, plane); }, edge);
+}
 
 Kcad::ErrorStatus KcDbHatch::transformBy(const KcGeMatrix3d& matrix)
 {
@@ -283,22 +291,16 @@ Kcad::ErrorStatus KcDbHatch::transformBy(const KcGeMatrix3d& matrix)
         return Kcad::eInvalidInput;
     KcDbPlaneTransform raisedPlane = *plane;
     raisedPlane.toNewPlane = plane->toNewPlane * KcGeMatrix3d::translation({ 0, 0, m_data.elevation });
-    const bool uniform = plane->isUniform();
-    for (Loop& loop : m_data.loops) {
-        if (!uniform)
-            makeElliptic(loop);
-        for (KcDbPolyline::Vertex& v : loop.vertices) {
-            const KcGePoint2d p = raisedPlane.point(KcGePoint2d{ v.x, v.y });
-            v.x = p.x;
-            v.y = p.y;
-            if (plane->mirrors())
-                v.bulge = -v.bulge;
-        }
-        for (Edge& edge : loop.edges)
-            std::visit([&](auto& e) { transformEdge(e, raisedPlane); }, edge);
-    }
+    const KcGePoint2d origin = raisedPlane.point(originPoint());
+    // Curves that were moved before it in the same step have taken the hatch's loops along already.
+    const bool arrived = followsChangedCurve();
+    for (Loop& loop : m_data.loops)
+        if (!arrived || loop.sources.empty())
+            kcdbTransformLoop(loop, raisedPlane);
     for (KcGePoint2d& seed : m_data.seeds)
         seed = raisedPlane.point(seed);
+    if (m_data.gradient.filled)
+        m_data.gradient.angle = plane->angle(m_data.gradient.angle);
     for (PatternLine& line : m_data.lines) {
         const double stretch = plane->direction(line.angle).length();
         line.base = raisedPlane.point(line.base);
@@ -312,5 +314,6 @@ Kcad::ErrorStatus KcDbHatch::transformBy(const KcGeMatrix3d& matrix)
     m_data.pixelSize *= plane->scale();
     m_data.elevation = plane->elevation(m_data.elevation);
     m_data.normal = plane->normal;
+    moveOrigin(origin);
     return Kcad::eOk;
 }

@@ -21,6 +21,8 @@ public:
     /// Ends what the matching `beginStep` began; a step that changed nothing leaves no trace.
     void endStep();
     bool isRecording() const { return m_depth > 0; }
+    /// True when the open step has changed the object since its last mark.
+    bool hasChanged(const KcDbObjectStub& stub) const { return m_depth > 0 && stub.undoStep == m_number; }
 
     /// A point inside the open step to which `rollBackTo` returns.
     size_t mark()

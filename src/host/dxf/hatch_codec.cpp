@@ -216,6 +216,46 @@ bool readPattern(KcDbHatch::Data& d, const Group& g)
     }
 }
 
+bool readGradient(KcDbHatch::Gradient& gradient, const Group& g, ReadContext& context)
+{
+    switch (g.code) {
+    case 450:
+        gradient.present = true;
+        gradient.filled = g.integer() != 0;
+        return true;
+    case 451:
+        gradient.reserved = int(g.integer());
+        return true;
+    case 452:
+        gradient.oneColor = g.integer() != 0;
+        return true;
+    case 453:
+        return true;
+    case 460:
+        gradient.angle = g.real();
+        return true;
+    case 461:
+        gradient.shift = g.real();
+        return true;
+    case 462:
+        gradient.tint = g.real();
+        return true;
+    case 463:
+        gradient.stops.emplace_back().at = g.real();
+        return true;
+    case 470:
+        gradient.name = context.text(g);
+        return true;
+    }
+    if (gradient.stops.empty())
+        return false;
+    if (g.code == 63)
+        gradient.stops.back().index = int(g.integer());
+    else if (g.code == 421)
+        gradient.stops.back().rgb = int32_t(g.integer());
+    return g.code == 63 || g.code == 421;
+}
+
 bool readHatch(KcDbHatch& hatch, const Group& g, ReadState& state)
 {
     if (!state.own.has_value())
@@ -246,6 +286,8 @@ bool readHatch(KcDbHatch& hatch, const Group& g, ReadState& state)
         at.stage = HatchState::Stage::Seeds;
         return true;
     }
+    if (readGradient(d.gradient, g, state.context))
+        return true;
     switch (at.stage) {
     case HatchState::Stage::Head:
         // Elevation point: x and y are always 0.
@@ -336,6 +378,25 @@ void writeEdge(const KcDbHatch::Edge& edge, GroupList& out)
         edge);
 }
 
+void writeGradient(const KcDbHatch::Gradient& gradient, GroupList& out)
+{
+    out.integer(450, gradient.filled);
+    out.integer(451, gradient.reserved);
+    out.real(460, gradient.angle);
+    out.real(461, gradient.shift);
+    out.integer(452, gradient.oneColor);
+    out.real(462, gradient.tint);
+    out.integer(453, int64_t(gradient.stops.size()));
+    for (const KcDbHatch::Gradient::Stop& stop : gradient.stops) {
+        out.real(463, stop.at);
+        if (stop.index != 0)
+            out.integer(63, stop.index);
+        if (stop.rgb >= 0)
+            out.integer(421, stop.rgb);
+    }
+    out.text(470, gradient.name);
+}
+
 void writeHatch(const KcDbHatch& hatch, GroupList& out)
 {
     const KcDbHatch::Data& d = hatch.data();
@@ -388,6 +449,8 @@ void writeHatch(const KcDbHatch& hatch, GroupList& out)
     out.integer(98, int64_t(d.seeds.size()));
     for (const KcGePoint2d& p : d.seeds)
         out.point(10, p);
+    if (d.gradient.present && out.version() >= KcDbVersion::V2004)
+        writeGradient(d.gradient, out);
 }
 
 } // namespace
