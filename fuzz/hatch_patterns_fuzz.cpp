@@ -23,10 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int lines = int(bytes.count('\n')) + 1;
     for (const KcDbPatternFinding& finding : file.findings)
         require(finding.line >= 0 && finding.line <= lines && !finding.text.isEmpty());
-    std::vector<KcGeFillPiece> square;
+    std::vector<KcGeSegment2d> square;
     const KcGePoint2d corners[] = { { 0, 0 }, { 9, 0 }, { 9, 9 }, { 0, 9 } };
     for (int i = 0; i < 4; ++i)
-        square.push_back(KcGeFillLine{ corners[i], corners[(i + 1) % 4] });
+        square.push_back(KcGeSegment2d::line(corners[i], corners[(i + 1) % 4]));
     const KcGeFillArea area({ square });
     KcGeHatchLimits limits;
     limits.mostSpans = 200;

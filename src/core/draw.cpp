@@ -9,7 +9,7 @@
 #include "db/table.h"
 #include "db/tables.h"
 #include "db/text.h"
-#include "db/viewport.h"
+#include "db/wipeout.h"
 #include "ed/documents.h"
 
 namespace {

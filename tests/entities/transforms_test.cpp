@@ -6,7 +6,7 @@
 #include "db/hatch.h"
 #include "db/leader.h"
 #include "db/polyline.h"
-#include "db/viewport.h"
+#include "db/wipeout.h"
 
 #include <gtest/gtest.h>
 

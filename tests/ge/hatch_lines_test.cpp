@@ -1,7 +1,6 @@
 // Hatch lines against what is known without them: the area they fill, the points they may touch, and the same
 // drawing turned, mirrored and moved far away.
 
-#include "ge/arc.h"
 #include "ge/hatch_lines.h"
 
 #include <gtest/gtest.h>
@@ -11,34 +10,34 @@
 
 namespace {
 
-using Loops = std::vector<std::vector<KcGeFillPiece>>;
+using Loops = std::vector<std::vector<KcGeSegment2d>>;
 using Segments = std::vector<std::pair<KcGePoint2d, KcGePoint2d>>;
 
-std::vector<KcGeFillPiece> polygon(const std::vector<KcGePoint2d>& points)
+std::vector<KcGeSegment2d> polygon(const std::vector<KcGePoint2d>& points)
 {
-    std::vector<KcGeFillPiece> pieces;
+    std::vector<KcGeSegment2d> pieces;
     for (size_t i = 0; i < points.size(); ++i)
-        pieces.push_back(KcGeFillLine{ points[i], points[(i + 1) % points.size()] });
+        pieces.push_back(KcGeSegment2d::line(points[i], points[(i + 1) % points.size()]));
     return pieces;
 }
 
-std::vector<KcGeFillPiece> box(double x, double y, double w, double h)
+std::vector<KcGeSegment2d> box(double x, double y, double w, double h)
 {
     return polygon({ { x, y }, { x + w, y }, { x + w, y + h }, { x, y + h } });
 }
 
-KcGeEllipArc3d arc(KcGePoint2d c, double rx, double ry, double start, double sweep)
+KcGeSegment2d arc(KcGePoint2d c, double rx, double ry, double start, double sweep)
 {
-    return { { c.x, c.y, 0 }, { rx, 0, 0 }, { 0, ry, 0 }, start, sweep };
+    return KcGeSegment2d::ellipse(c, { rx, 0 }, { 0, ry }, start, sweep);
 }
 
 /// A cubic over (0,0) (0,3) (2,3) (2,0).
-KcGeNurbsCurve3d arch()
+KcGeSegment2d arch()
 {
     KcGeNurbsCurve3d curve;
     curve.knots = { 0, 0, 0, 0, 1, 1, 1, 1 };
     curve.controlPoints = { { 0, 0, 0 }, { 0, 3, 0 }, { 2, 3, 0 }, { 2, 0, 0 } };
-    return curve;
+    return *KcGeSegment2d::spline(curve);
 }
 
 struct Shape {
@@ -60,12 +59,12 @@ std::vector<Shape> shapes()
           21 * kPi,
           25 * kPi },
         { "half ellipse",
-          { { arc({ 0, 0 }, 3, 1, 0, kPi), KcGeFillLine{ { -3, 0 }, { 3, 0 } } } },
+          { { arc({ 0, 0 }, 3, 1, 0, kPi), KcGeSegment2d::line({ -3, 0 }, { 3, 0 }) } },
           1.5 * kPi,
           1.5 * kPi,
           1.5 * kPi },
         // The cubic encloses 3.6 over its chord.
-        { "spline", { { arch(), KcGeFillLine{ { 2, 0 }, { 0, 0 } } } }, 3.6, 3.6, 3.6 },
+        { "spline", { { arch(), KcGeSegment2d::line({ 2, 0 }, { 0, 0 }) } }, 3.6, 3.6, 3.6 },
         { "star with vertices on lines",
           { polygon({ { 0, 0 }, { 4, 1 }, { 8, 0 }, { 7, 4 }, { 8, 8 }, { 4, 7 }, { 0, 8 }, { 1, 4 } }) },
           48,
@@ -74,10 +73,10 @@ std::vector<Shape> shapes()
         { "side by side", { box(0, 0, 5, 5), box(5, 0, 5, 5) }, 50, 50, 50 },
         { "island on the edge", { box(0, 0, 10, 10), box(0, 3, 4, 4) }, 84, 84, 100 },
         { "sides in any order",
-          { { KcGeFillLine{ { 1, 0 }, { 0, 0 } },
-              KcGeFillLine{ { 1, 1 }, { 0, 1 } },
-              KcGeFillLine{ { 1, 0 }, { 1, 1 } },
-              KcGeFillLine{ { 0, 1 }, { 0, 0 } } } },
+          { { KcGeSegment2d::line({ 1, 0 }, { 0, 0 }),
+              KcGeSegment2d::line({ 1, 1 }, { 0, 1 }),
+              KcGeSegment2d::line({ 1, 0 }, { 1, 1 }),
+              KcGeSegment2d::line({ 0, 1 }, { 0, 0 }) } },
           1,
           1,
           1 },
@@ -103,15 +102,8 @@ std::vector<Move> moves()
 Loops under(const KcGeMatrix3d& m, Loops loops)
 {
     for (auto& loop : loops)
-        for (KcGeFillPiece& piece : loop)
-            if (auto* line = std::get_if<KcGeFillLine>(&piece)) {
-                line->start = (m * KcGePoint3d{ line->start.x, line->start.y, 0 }).plan();
-                line->end = (m * KcGePoint3d{ line->end.x, line->end.y, 0 }).plan();
-            } else if (auto* a = std::get_if<KcGeEllipArc3d>(&piece)) {
-                piece = a->transformed(m);
-            } else {
-                piece = std::get<KcGeNurbsCurve3d>(piece).transformed(m);
-            }
+        for (KcGeSegment2d& piece : loop)
+            piece = piece.transformed(m);
     return loops;
 }
 
@@ -187,14 +179,14 @@ TEST(FillArea, AreaByStyleUnderMoves)
 TEST(FillArea, WhatIsBrokenIsToldAndStillFilled)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    const KcGeFillArea open({ { KcGeFillLine{ { 0, 0 }, { 4, 0 } }, KcGeFillLine{ { 4, 0 }, { 4, 4 } } } });
+    const KcGeFillArea open({ { KcGeSegment2d::line({ 0, 0 }, { 4, 0 }), KcGeSegment2d::line({ 4, 0 }, { 4, 4 }) } });
     EXPECT_FALSE(open.isSound());
     EXPECT_NEAR(open.area(KcGeHatchStyle::Normal), 8, 1e-12); // closed by a line
-    const KcGeFillArea bad({ { KcGeFillLine{ { nan, 0 }, { 4, 0 } } }, box(0, 0, 1, 1) });
+    const KcGeFillArea bad({ { KcGeSegment2d::line({ nan, 0 }, { 4, 0 }) }, box(0, 0, 1, 1) });
     EXPECT_FALSE(bad.isSound());
     EXPECT_NEAR(bad.area(KcGeHatchStyle::Normal), 1, 1e-12);
     EXPECT_FALSE(KcGeFillArea(Loops{}).isSound());
-    EXPECT_FALSE(KcGeFillArea({ { KcGeNurbsCurve3d() } }).isSound());
+    EXPECT_FALSE(KcGeFillArea(Loops{ {} }).isSound());
 }
 
 // The lines of a family share the area among them: length times distance is the area.
@@ -224,8 +216,8 @@ TEST(HatchLines, SpansLieInsideAndGapsOutside)
         std::vector<std::vector<KcGePoint2d>> outlines;
         for (const auto& contour : area.contours()) {
             outlines.emplace_back();
-            for (const KcGeFillPiece& piece : contour.pieces)
-                for (const KcGePoint2d p : kcgeChords(piece, 1e-7))
+            for (const KcGeSegment2d& piece : contour.pieces)
+                for (const KcGePoint2d p : piece.chords(1e-7))
                     outlines.back().push_back(p + area.origin().asVector());
         }
         const KcGeHatchFamily f = family(0.7, 0.137);
@@ -345,7 +337,7 @@ TEST(HatchLines, HostileInputStaysBounded)
     for (auto& loop : wild)
         for (int i = 0; i < 40; ++i) {
             const double size = std::pow(10.0, 12 * any(random));
-            loop.push_back(KcGeFillLine{ { size * any(random), any(random) }, { any(random), size } });
+            loop.push_back(KcGeSegment2d::line({ size * any(random), any(random) }, { any(random), size }));
             loop.push_back(arc({ any(random), size }, size, any(random), 100 * any(random), 7 * any(random)));
         }
     limits.smallest = 0.0;

@@ -102,31 +102,30 @@ KcGeNurbsCurve3d curveOf(const KcDbHatch::SplineEdge& edge)
 
 } // namespace
 
-std::vector<KcGeFillPiece> kcdbPiecesOf(const KcDbHatch::Loop& loop)
+std::vector<KcGeSegment2d> kcdbPiecesOf(const KcDbHatch::Loop& loop)
 {
-    std::vector<KcGeFillPiece> pieces;
+    std::vector<KcGeSegment2d> pieces;
     const size_t n = loop.vertices.size();
     for (size_t i = 0; i < n && n > 1; ++i) {
         const KcDbPolyline::Vertex &from = loop.vertices[i], &to = loop.vertices[(i + 1) % n];
         if (i + 1 == n && !loop.closed)
             break;
-        const KcGePoint2d start{ from.x, from.y }, end{ to.x, to.y };
-        if (const auto arc = KcGeCircArc2d::fromBulge(start, end, from.bulge))
-            pieces.push_back(
-                kcdbArcInSpace({}, raised(arc->center()), arc->radius(), arc->startAngle(), arc->sweep()));
-        else
-            pieces.push_back(KcGeFillLine{ start, end });
+        pieces.push_back(KcGeSegment2d::bulge({ from.x, from.y }, { to.x, to.y }, from.bulge));
     }
     for (const KcDbHatch::Edge& edge : loop.edges)
         std::visit(
             [&](const auto& e) {
                 using E = std::decay_t<decltype(e)>;
-                if constexpr (std::is_same_v<E, KcDbHatch::LineEdge>)
-                    pieces.push_back(KcGeFillLine{ e.start, e.end });
-                else if constexpr (std::is_same_v<E, KcDbHatch::SplineEdge>)
-                    pieces.push_back(curveOf(e));
-                else
-                    pieces.push_back(ellipticArc(e));
+                if constexpr (std::is_same_v<E, KcDbHatch::LineEdge>) {
+                    pieces.push_back(KcGeSegment2d::line(e.start, e.end));
+                } else if constexpr (std::is_same_v<E, KcDbHatch::SplineEdge>) {
+                    if (const auto spline = KcGeSegment2d::spline(curveOf(e)))
+                        pieces.push_back(*spline);
+                } else {
+                    const KcGeEllipArc3d arc = ellipticArc(e);
+                    pieces.push_back(KcGeSegment2d::ellipse(
+                        arc.center.plan(), { arc.u.x, arc.u.y }, { arc.v.x, arc.v.y }, arc.start, arc.sweep));
+                }
             },
             edge);
     return pieces;
@@ -134,7 +133,7 @@ std::vector<KcGeFillPiece> kcdbPiecesOf(const KcDbHatch::Loop& loop)
 
 KcGeFillArea KcDbHatch::fillArea() const
 {
-    std::vector<std::vector<KcGeFillPiece>> loops;
+    std::vector<std::vector<KcGeSegment2d>> loops;
     for (const Loop& loop : m_data.loops)
         loops.push_back(kcdbPiecesOf(loop));
     return KcGeFillArea(loops);

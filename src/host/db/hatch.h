@@ -90,6 +90,9 @@ public:
         std::optional<KcGePoint2d> origin; ///< set since it was read; see `originPoint`
     };
     KCDB_ENTITY_DATA
+    /// Fill, gradient or pattern lines on the background colour. Lines closer than can be seen become an even
+    /// tone; a pattern of too many dashes is drawn in part, and the sink told.
+    void worldDraw(KcGiWorldDraw& draw) const override;
 
     enum PatternType { kUserDefined = 0, kPreDefined = 1, kCustomDefined = 2 };
     enum LoopType { kDefault = 0, kExternal = 1, kPolyline = 2, kDerived = 4, kTextbox = 8, kOutermost = 16 };
@@ -156,6 +159,10 @@ public:
     /// open or has no area.
     std::optional<double> getArea() const;
     std::vector<KcDbObjectId> getAssocObjIds() const;
+    /// The outlines as curves that are in no drawing: a circle for each full one, a closed polyline for every
+    /// other, arcs kept as arcs, ellipses and splines as fine runs of arcs. Larger ones first; loops that are open are
+    /// closed by a line.
+    std::vector<std::unique_ptr<KcDbCurve>> boundaryCurves() const;
 
 private:
     std::optional<Loop> loopAlong(const std::vector<KcDbObjectId>& curves, Kcad::ErrorStatus& status) const;
@@ -167,6 +174,6 @@ private:
 /// A loop's image under the way from its plane to another; arcs become elliptic where it scales unevenly.
 void kcdbTransformLoop(KcDbHatch::Loop& loop, const struct KcDbPlaneTransform& plane);
 /// The pieces of a loop in the plane of the hatch.
-std::vector<KcGeFillPiece> kcdbPiecesOf(const KcDbHatch::Loop& loop);
+std::vector<KcGeSegment2d> kcdbPiecesOf(const KcDbHatch::Loop& loop);
 /// An arc of an ellipse in the plane Z = 0 as an edge.
 KcDbHatch::EllipseEdge kcdbEllipseEdge(const KcGeEllipArc3d& arc);

@@ -55,22 +55,20 @@ void addVertices(Loop& loop, const std::vector<KcDbPolyline::Vertex>& vertices, 
 /// A polyline loop as edges, so that it can be joined with others.
 void makeEdges(Loop& loop)
 {
-    for (const KcGeFillPiece& piece : kcdbPiecesOf(loop)) {
-        if (const auto* line = std::get_if<KcGeFillLine>(&piece)) {
-            if (line->start != line->end)
-                loop.edges.push_back(KcDbHatch::LineEdge{ line->start, line->end });
-            continue;
+    for (const KcGeSegment2d& piece : kcdbPiecesOf(loop)) {
+        if (const auto* arc = piece.asArc()) {
+            KcDbHatch::ArcEdge edge;
+            edge.center = arc->center();
+            edge.radius = arc->radius();
+            edge.counterClockwise = !arc->isClockwise();
+            // Angles of clockwise arcs are counted the other way round.
+            edge.startAngle
+                = normalizedAngle(edge.counterClockwise ? arc->startAngle() : -arc->startAngle());
+            edge.endAngle = edge.startAngle + std::abs(arc->sweep());
+            loop.edges.push_back(edge);
+        } else if (piece.startPoint() != piece.endPoint()) {
+            loop.edges.push_back(KcDbHatch::LineEdge{ piece.startPoint(), piece.endPoint() });
         }
-        const auto& arc = std::get<KcGeEllipArc3d>(piece);
-        KcDbHatch::ArcEdge edge;
-        edge.center = arc.center.plan();
-        edge.radius = arc.u.length();
-        edge.counterClockwise = arc.sweep >= 0.0;
-        // Angles of clockwise arcs are counted the other way round.
-        const double start = std::atan2(arc.u.y, arc.u.x) + arc.start;
-        edge.startAngle = normalizedAngle(edge.counterClockwise ? start : -start);
-        edge.endAngle = edge.startAngle + std::abs(arc.sweep);
-        loop.edges.push_back(edge);
     }
     loop.vertices.clear();
     loop.hasBulges = false;
@@ -132,6 +130,27 @@ std::optional<Loop> loopOf(const KcDbEntity& entity, const KcGeMatrix3d& toHatch
 bool isClosed(const Loop& loop)
 {
     return KcGeFillArea({ kcdbPiecesOf(loop) }).isSound();
+}
+
+/// True when two loops run along the same outline, however each is put together.
+bool sameOutline(const Loop& a, const Loop& b)
+{
+    const std::vector<KcGeSegment2d> first = kcdbPiecesOf(a), second = kcdbPiecesOf(b);
+    // What is too long to be compared piece by piece counts as changed.
+    constexpr size_t kMostComparisons = 1'000'000;
+    if (a == b || first.size() * second.size() > kMostComparisons)
+        return a == b;
+    const auto liesOn = [](const std::vector<KcGeSegment2d>& pieces, const std::vector<KcGeSegment2d>& outline) {
+        const auto isOn = [&](KcGePoint2d p) {
+            return std::any_of(outline.begin(), outline.end(), [&](const KcGeSegment2d& piece) {
+                return piece.closest(p).distance <= KcGeContext::gTol.equalPoint;
+            });
+        };
+        return std::all_of(pieces.begin(), pieces.end(), [&](const KcGeSegment2d& piece) {
+            return isOn(piece.startPoint()) && isOn(piece.pointAt(1.0 / 3)) && isOn(piece.pointAt(2.0 / 3));
+        });
+    };
+    return liesOn(first, second) && liesOn(second, first);
 }
 
 } // namespace
@@ -281,7 +300,7 @@ void KcDbHatch::subjectModified(const KcDbObject& subject)
         Kcad::ErrorStatus status = Kcad::eOk;
         if (auto next = loopAlong(loop.sources, status)) {
             next->type |= loop.type & ~kPolyline;
-            if (!(*next == loop))
+            if (!sameOutline(*next, loop))
                 changed.emplace_back(i, std::move(*next));
         }
     }

@@ -1,4 +1,4 @@
-// Viewports of paper space layouts, and wipeouts.
+// Viewports of paper space layouts.
 #pragma once
 
 #include "db/entity.h"
@@ -24,26 +24,4 @@ public:
     double height() const { return m_data.height; }
     double viewHeight() const { return m_data.viewHeight; }
     KcGePoint2d viewCenter() const { return m_data.viewCenter; }
-};
-
-/// A polygon that masks what lies below it.
-class KcDbWipeout : public KcDbEntity {
-    KCRX_DECLARE(KcDbWipeout)
-public:
-    struct Data {
-        int classVersion = 0;
-        KcGePoint3d origin; ///< world coordinates of the lower left corner of the image square
-        KcGeVector3d uVector {1, 0, 0}, vVector {0, 1, 0}; ///< one pixel
-        KcGePoint2d imageSize {1, 1}; ///< pixels
-        KcDbObjectId imageDefinition, imageReactor;
-        int displayFlags = 7;
-        int clipping = 1, brightness = 50, contrast = 50, fade = 0;
-        int clipType = 2; ///< 1 rectangle, 2 polygon
-        std::vector<KcGePoint2d> clip; ///< pixels, the centre of the first one at (0, 0)
-    };
-    KCDB_ENTITY_DATA
-    /// The outline in world coordinates.
-    std::vector<KcGePoint3d> outline() const;
-    /// A wipeout over the polygon of the corners, which must lie in one horizontal plane.
-    static std::unique_ptr<KcDbWipeout> fromCorners(const std::vector<KcGePoint3d>& corners);
 };

@@ -10,6 +10,7 @@ namespace {
 constexpr ClassEntry kEntries[] = {
     { "ACAD_TABLE", "AcDbTable", "ObjectDBX Classes", 1025, true },
     { "WIPEOUT", "AcDbWipeout", "WipeOut", 127, true },
+    { "WIPEOUTVARIABLES", "AcDbWipeoutVariables", "WipeOut", 0, false },
     { "TABLESTYLE", "AcDbTableStyle", "ObjectDBX Classes", 4095, false },
     { "ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault", "ObjectDBX Classes", 0, false },
     { "SORTENTSTABLE", "AcDbSortentsTable", "ObjectDBX Classes", 0, false },

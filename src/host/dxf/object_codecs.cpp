@@ -2,6 +2,7 @@
 
 #include "db/dictionary.h"
 #include "db/open.h"
+#include "db/wipeout.h"
 #include "dxf/codec.h"
 #include "dxf/written.h"
 
@@ -108,6 +109,10 @@ public:
 
 void registerObjectCodecs()
 {
+    registerCodec(std::make_unique<FieldCodec<KcDbWipeoutVariables>>(
+        "WIPEOUTVARIABLES",
+        std::vector<Field>{ subclass("AcDbWipeoutVariables"),
+                            field(70, &KcDbWipeoutVariables::Data::frame) }));
     registerCodec(std::make_unique<DictionaryCodec>("DICTIONARY"));
     registerCodec(std::make_unique<DictionaryCodec>("ACDBDICTIONARYWDFLT"));
     registerCodec(std::make_unique<XrecordCodec>());

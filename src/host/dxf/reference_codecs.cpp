@@ -3,6 +3,7 @@
 #include "db/block_reference.h"
 #include "db/leader.h"
 #include "db/viewport.h"
+#include "db/wipeout.h"
 #include "dxf/codec_tools.h"
 
 namespace dxf {

@@ -12,6 +12,7 @@
 #include "db/table.h"
 #include "db/text.h"
 #include "db/viewport.h"
+#include "db/wipeout.h"
 #include "ed/filter_values.h"
 #include "ed/selection_filter.h"
 

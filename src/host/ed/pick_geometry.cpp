@@ -10,7 +10,7 @@
 #include "db/raw_entity.h"
 #include "db/tables.h"
 #include "db/text.h"
-#include "db/viewport.h"
+#include "db/wipeout.h"
 
 namespace {
 

@@ -2,90 +2,24 @@
 
 #include "ge/fill_area.h"
 
-#include "ge/arc.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <unordered_map>
 
 namespace {
 
-constexpr int kChordsOfTurn = 128;
-constexpr int kMostChordsOfTurn = 4096;
-
-KcGePoint2d plan(KcGePoint3d p)
-{
-    return p.plan();
-}
-
-bool isFinite(KcGePoint2d p)
-{
-    return std::isfinite(p.x) && std::isfinite(p.y);
-}
-
-bool isUsable(const KcGeFillPiece& piece)
-{
-    if (const auto* line = std::get_if<KcGeFillLine>(&piece))
-        return isFinite(line->start) && isFinite(line->end);
-    if (const auto* arc = std::get_if<KcGeEllipArc3d>(&piece))
-        return isFinite(arc->center.plan()) && std::isfinite(arc->u.x + arc->u.y + arc->v.x + arc->v.y)
-            && std::isfinite(arc->start + arc->sweep) && std::abs(arc->sweep) <= 2.0 * kTwoPi;
-    return std::get<KcGeNurbsCurve3d>(piece).isValid();
-}
-
-KcGeFillPiece moved(KcGeFillPiece piece, KcGeVector2d by)
-{
-    std::visit(
-        [&](auto& p) {
-            using P = std::decay_t<decltype(p)>;
-            const KcGeVector3d shift{ by.x, by.y, 0 };
-            if constexpr (std::is_same_v<P, KcGeFillLine>) {
-                p.start = p.start + by;
-                p.end = p.end + by;
-            } else if constexpr (std::is_same_v<P, KcGeEllipArc3d>) {
-                p.center = p.center + shift;
-            } else {
-                for (KcGePoint3d& q : p.controlPoints)
-                    q = q + shift;
-            }
-        },
-        piece);
-    return piece;
-}
-
-std::vector<KcGePoint2d> arcChords(const KcGeEllipArc3d& arc, int n)
-{
-    std::vector<KcGePoint2d> points;
-    points.reserve(size_t(n) + 1);
-    for (int i = 0; i <= n; ++i)
-        points.push_back(plan(arc.pointAt(arc.start + arc.sweep * i / n)));
-    return points;
-}
-
-/// Half the integral of x·dy − y·dx along the piece about the origin.
-double areaShare(const KcGeFillPiece& piece)
-{
-    const double chord = kcgeStart(piece).asVector().crossProduct(kcgeEnd(piece).asVector()) / 2.0;
-    if (const auto* arc = std::get_if<KcGeEllipArc3d>(&piece)) {
-        // The segment over the chord: half of |u × v|·(sweep − sin sweep).
-        const double cross = arc->u.x * arc->v.y - arc->u.y * arc->v.x;
-        return chord + cross / 2.0 * (arc->sweep - std::sin(arc->sweep));
-    }
-    if (const auto* spline = std::get_if<KcGeNurbsCurve3d>(&piece))
-        return spline->planArea();
-    return chord;
-}
+/// Share of a piece's size by which its coarse chords may leave it.
+constexpr double kCoarseSagitta = 1e-3;
 
 /// Chords that suffice to tell what lies inside what.
-std::vector<KcGePoint2d> coarseChords(const KcGeFillPiece& piece)
+std::vector<KcGePoint2d> coarseChords(const KcGeSegment2d& piece)
 {
-    if (const auto* arc = std::get_if<KcGeEllipArc3d>(&piece))
-        return arcChords(*arc, std::max(1, int(std::ceil(std::abs(arc->sweep) / kTwoPi * kChordsOfTurn))));
-    if (const auto* spline = std::get_if<KcGeNurbsCurve3d>(&piece)) {
-        const KcGeExtents3d box = spline->extents();
-        return kcgeChords(piece, std::max(box.width(), box.height()) / (8.0 * kChordsOfTurn));
-    }
-    return { kcgeStart(piece), kcgeEnd(piece) };
+    if (piece.isLine())
+        return { piece.startPoint(), piece.endPoint() };
+    const KcGeExtents2d box = piece.extents();
+    return piece.chords(
+        std::max({ box.max.x - box.min.x, box.max.y - box.min.y, KcGeContext::gTol.equalPoint })
+        * kCoarseSagitta);
 }
 
 bool joins(KcGePoint2d a, KcGePoint2d b)
@@ -96,7 +30,7 @@ bool joins(KcGePoint2d a, KcGePoint2d b)
 /// Finds pieces not used so far by a point near to one of their ends.
 class Ends {
 public:
-    explicit Ends(const std::vector<KcGeFillPiece>& pieces)
+    explicit Ends(const std::vector<KcGeSegment2d>& pieces)
         : m_pieces(pieces)
         , m_used(pieces.size(), false)
     {
@@ -106,7 +40,7 @@ public:
     void use(size_t i) { m_used[i] = true; }
     bool touches(size_t i, KcGePoint2d p) const
     {
-        return joins(kcgeStart(m_pieces[i]), p) || joins(kcgeEnd(m_pieces[i]), p);
+        return joins(m_pieces[i].startPoint(), p) || joins(m_pieces[i].endPoint(), p);
     }
 
     /// The piece of the lowest number that begins or ends at the point; the number of pieces when none does.
@@ -114,8 +48,8 @@ public:
     {
         if (m_cells.empty())
             for (size_t i = 0; i < m_pieces.size(); ++i) {
-                m_cells[cell(kcgeStart(m_pieces[i]), 0, 0)].push_back(i);
-                m_cells[cell(kcgeEnd(m_pieces[i]), 0, 0)].push_back(i);
+                m_cells[cell(m_pieces[i].startPoint(), 0, 0)].push_back(i);
+                m_cells[cell(m_pieces[i].endPoint(), 0, 0)].push_back(i);
             }
         size_t best = m_pieces.size();
         for (int dx = -1; dx <= 1; ++dx)
@@ -140,7 +74,7 @@ private:
         return uint64_t(number(p.x) + dx) * 0x9E3779B97F4A7C15ull ^ uint64_t(number(p.y) + dy);
     }
 
-    const std::vector<KcGeFillPiece>& m_pieces;
+    const std::vector<KcGeSegment2d>& m_pieces;
     std::vector<bool> m_used;
     std::unordered_map<uint64_t, std::vector<size_t>> m_cells;
 };
@@ -174,69 +108,14 @@ bool liesInside(const KcGeFillArea::Contour& inner, const KcGeFillArea::Contour&
 
 } // namespace
 
-KcGePoint2d kcgeStart(const KcGeFillPiece& piece)
-{
-    if (const auto* line = std::get_if<KcGeFillLine>(&piece))
-        return line->start;
-    if (const auto* arc = std::get_if<KcGeEllipArc3d>(&piece))
-        return plan(arc->startPoint());
-    const auto& spline = std::get<KcGeNurbsCurve3d>(piece);
-    return plan(spline.pointAt(spline.startParam()));
-}
-
-KcGePoint2d kcgeEnd(const KcGeFillPiece& piece)
-{
-    if (const auto* line = std::get_if<KcGeFillLine>(&piece))
-        return line->end;
-    if (const auto* arc = std::get_if<KcGeEllipArc3d>(&piece))
-        return plan(arc->endPoint());
-    const auto& spline = std::get<KcGeNurbsCurve3d>(piece);
-    return plan(spline.pointAt(spline.endParam()));
-}
-
-KcGeFillPiece kcgeReversed(KcGeFillPiece piece)
-{
-    if (auto* line = std::get_if<KcGeFillLine>(&piece)) {
-        std::swap(line->start, line->end);
-    } else if (auto* arc = std::get_if<KcGeEllipArc3d>(&piece)) {
-        arc->start += arc->sweep;
-        arc->sweep = -arc->sweep;
-    } else {
-        auto& spline = std::get<KcGeNurbsCurve3d>(piece);
-        std::reverse(spline.controlPoints.begin(), spline.controlPoints.end());
-        std::reverse(spline.weights.begin(), spline.weights.end());
-        std::reverse(spline.knots.begin(), spline.knots.end());
-        for (double& knot : spline.knots)
-            knot = -knot;
-    }
-    return piece;
-}
-
-std::vector<KcGePoint2d> kcgeChords(const KcGeFillPiece& piece, double sagitta)
-{
-    if (const auto* arc = std::get_if<KcGeEllipArc3d>(&piece)) {
-        // A chord over the angle a leaves the circle of the longer axis by r·(1 − cos(a/2)).
-        const double r = std::hypot(arc->u.length(), arc->v.length());
-        const double ratio = r > 0.0 ? std::clamp(sagitta / r, 1e-8, 0.5) : 0.5;
-        const double n = std::abs(arc->sweep) / (2.0 * std::acos(1.0 - ratio));
-        return arcChords(*arc, int(std::clamp(std::ceil(n), 1.0, double(kMostChordsOfTurn))));
-    }
-    if (const auto* spline = std::get_if<KcGeNurbsCurve3d>(&piece)) {
-        std::vector<KcGePoint2d> points;
-        for (const KcGePoint3d p : spline->chords(sagitta))
-            points.push_back(plan(p));
-        return points;
-    }
-    return { kcgeStart(piece), kcgeEnd(piece) };
-}
-
-KcGeFillArea::KcGeFillArea(const std::vector<std::vector<KcGeFillPiece>>& loops)
+KcGeFillArea::KcGeFillArea(const std::vector<std::vector<KcGeSegment2d>>& loops)
 {
     for (const auto& loop : loops) {
-        const auto usable = std::find_if(loop.begin(), loop.end(), isUsable);
+        const auto usable = std::find_if(
+            loop.begin(), loop.end(), [](const KcGeSegment2d& piece) { return piece.isFinite(); });
         if (usable == loop.end())
             continue;
-        m_origin = kcgeStart(*usable);
+        m_origin = usable->startPoint();
         break;
     }
     for (const auto& loop : loops)
@@ -246,17 +125,16 @@ KcGeFillArea::KcGeFillArea(const std::vector<std::vector<KcGeFillPiece>>& loops)
     nest();
 }
 
-void KcGeFillArea::addLoop(const std::vector<KcGeFillPiece>& loop)
+void KcGeFillArea::addLoop(const std::vector<KcGeSegment2d>& loop)
 {
-    std::vector<KcGeFillPiece> pieces;
-    for (const KcGeFillPiece& piece : loop) {
-        if (!isUsable(piece)) {
+    std::vector<KcGeSegment2d> pieces;
+    for (const KcGeSegment2d& piece : loop) {
+        if (!piece.isFinite()) {
             m_sound = false;
             continue;
         }
-        const auto* line = std::get_if<KcGeFillLine>(&piece);
-        if (!line || line->start != line->end)
-            pieces.push_back(moved(piece, -m_origin.asVector()));
+        if (!piece.isLine() || piece.startPoint() != piece.endPoint())
+            pieces.push_back(piece.translated(-m_origin.asVector()));
     }
     if (pieces.empty())
         m_sound = false;
@@ -268,26 +146,26 @@ void KcGeFillArea::addLoop(const std::vector<KcGeFillPiece>& loop)
             continue;
         }
         Contour contour;
-        KcGeFillPiece first = pieces[next];
+        KcGeSegment2d first = pieces[next];
         ends.use(next++);
         // The first piece may stand the wrong way round: its follower tells.
-        if (next < pieces.size() && !ends.isUsed(next) && !joins(kcgeStart(first), kcgeEnd(first))
-            && !ends.touches(next, kcgeEnd(first)) && ends.touches(next, kcgeStart(first)))
-            first = kcgeReversed(std::move(first));
-        const KcGePoint2d start = kcgeStart(first);
+        if (next < pieces.size() && !ends.isUsed(next) && !joins(first.startPoint(), first.endPoint())
+            && !ends.touches(next, first.endPoint()) && ends.touches(next, first.startPoint()))
+            first = first.reversed();
+        const KcGePoint2d start = first.startPoint();
         KcGePoint2d end = start;
         double area = 0.0;
-        const auto append = [&](KcGeFillPiece piece) {
-            area += areaShare(piece);
+        const auto append = [&](KcGeSegment2d piece) {
+            area += piece.areaAbout({});
             const std::vector<KcGePoint2d> chords = coarseChords(piece);
             contour.chords.insert(
                 contour.chords.end(), chords.begin() + (contour.chords.empty() ? 0 : 1), chords.end());
-            end = kcgeEnd(piece);
+            end = piece.endPoint();
             contour.pieces.push_back(std::move(piece));
         };
         const auto bridge = [&](KcGePoint2d to) {
             if (end != to) // exact: what differs at all would break the outline
-                append(KcGeFillLine{ end, to });
+                append(KcGeSegment2d::line(end, to));
         };
         append(std::move(first));
         while (!joins(end, start)) {
@@ -299,10 +177,10 @@ void KcGeFillArea::addLoop(const std::vector<KcGeFillPiece>& loop)
                 break;
             }
             ends.use(found);
-            KcGeFillPiece piece = pieces[found];
-            if (!joins(kcgeStart(piece), end))
-                piece = kcgeReversed(std::move(piece));
-            bridge(kcgeStart(piece));
+            KcGeSegment2d piece = pieces[found];
+            if (!joins(piece.startPoint(), end))
+                piece = piece.reversed();
+            bridge(piece.startPoint());
             append(std::move(piece));
         }
         bridge(start);

@@ -1,20 +1,10 @@
-// Areas that are filled: closed outlines of lines, elliptic arcs and splines, and which of them bound the
+// Areas that are filled: closed outlines of lines, arcs, ellipses and splines, and which of them bound the
 // filling when they lie one in another.
 #pragma once
 
-#include "ge/ellipse.h"
-#include "ge/extents.h"
-#include "ge/spline.h"
+#include "ge/segment.h"
 
-#include <variant>
 #include <vector>
-
-struct KcGeFillLine {
-    KcGePoint2d start, end;
-};
-
-/// One piece of an outline in the plane Z = 0. Circular arcs are elliptic ones with equal axes.
-using KcGeFillPiece = std::variant<KcGeFillLine, KcGeEllipArc3d, KcGeNurbsCurve3d>;
 
 /// How outlines inside others are treated: every second ring filled, the outermost ring only, or everything
 /// inside the outermost outlines.
@@ -28,7 +18,7 @@ public:
     struct Contour {
         double area = 0.0; ///< square drawing units, positive
         KcGeExtents2d box; ///< about the area's origin
-        std::vector<KcGeFillPiece> pieces; ///< about the area's origin
+        std::vector<KcGeSegment2d> pieces; ///< about the area's origin
         std::vector<KcGePoint2d> chords; ///< points along it, the first one again at the end; for estimates
         int depth = 0; ///< number of outlines that it lies in
         bool closed = true; ///< false: a straight piece was added to close it
@@ -37,8 +27,8 @@ public:
     KcGeFillArea() = default;
     /// Chains the pieces of each loop, given in any order and direction, to outlines. Ends that lie within
     /// `KcGeContext::kJoinedEnds` are joined by a straight piece; what stays open is closed by one and marked.
-    /// Pieces with values that are not finite, and splines that are not valid, are left out and counted.
-    explicit KcGeFillArea(const std::vector<std::vector<KcGeFillPiece>>& loops);
+    /// Pieces with values that are not finite are left out, which makes the area unsound.
+    explicit KcGeFillArea(const std::vector<std::vector<KcGeSegment2d>>& loops);
 
     KcGePoint2d origin() const { return m_origin; }
     /// Larger ones first.
@@ -54,18 +44,10 @@ public:
     double area(KcGeHatchStyle style) const;
 
 private:
-    void addLoop(const std::vector<KcGeFillPiece>& loop);
+    void addLoop(const std::vector<KcGeSegment2d>& loop);
     void nest();
 
     KcGePoint2d m_origin;
     std::vector<Contour> m_contours;
     bool m_sound = true;
 };
-
-/// Where a piece begins and ends.
-KcGePoint2d kcgeStart(const KcGeFillPiece& piece);
-KcGePoint2d kcgeEnd(const KcGeFillPiece& piece);
-/// The same points walked the other way.
-KcGeFillPiece kcgeReversed(KcGeFillPiece piece);
-/// Points along a piece, ends included, whose chords stay within `sagitta` of it; at most some thousands.
-std::vector<KcGePoint2d> kcgeChords(const KcGeFillPiece& piece, double sagitta);

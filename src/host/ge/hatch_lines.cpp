@@ -81,16 +81,21 @@ public:
         const size_t n = contour.pieces.size();
         std::vector<KcGePoint2d> nodes(n);
         for (size_t i = 0; i < n; ++i)
-            nodes[i] = m_frame.in(kcgeStart(contour.pieces[i]));
+            nodes[i] = m_frame.in(contour.pieces[i].startPoint());
         for (size_t i = 0; i < n; ++i) {
-            const KcGeFillPiece& piece = contour.pieces[i];
+            const KcGeSegment2d& piece = contour.pieces[i];
             const KcGePoint2d end = nodes[(i + 1) % n];
-            if (const auto* arc = std::get_if<KcGeEllipArc3d>(&piece))
-                addArc(*arc, nodes[i], end);
-            else if (const auto* spline = std::get_if<KcGeNurbsCurve3d>(&piece))
-                addSpline(*spline, nodes[i], end);
-            else
+            if (const auto* arc = piece.asArc())
+                addArc(
+                    { { arc->center().x, arc->center().y, 0 }, { arc->radius(), 0, 0 }, { 0, arc->radius(), 0 },
+                      arc->startAngle(), arc->sweep() },
+                    nodes[i], end);
+            else if (const auto ellipse = piece.asEllipse())
+                addArc(*ellipse, nodes[i], end);
+            else if (piece.isLine())
                 addLine(nodes[i], end);
+            else
+                addSpline(piece, nodes[i], end);
         }
     }
 
@@ -155,10 +160,11 @@ private:
         }
     }
 
-    void addSpline(const KcGeNurbsCurve3d& spline, KcGePoint2d start, KcGePoint2d end)
+    void addSpline(const KcGeSegment2d& spline, KcGePoint2d start, KcGePoint2d end)
     {
-        const KcGeExtents3d box = spline.extents();
-        const auto chords = kcgeChords(spline, std::max(box.width(), box.height()) * kSplineSagitta);
+        const KcGeExtents2d box = spline.extents();
+        const auto chords
+            = spline.chords(std::max(box.max.x - box.min.x, box.max.y - box.min.y) * kSplineSagitta);
         KcGePoint2d p = start;
         for (size_t i = 1; i < chords.size(); ++i) {
             const KcGePoint2d q = i + 1 == chords.size() ? end : m_frame.in(chords[i]);
