@@ -49,6 +49,9 @@ enum KcDbFindingNumber {
 class KcDbDrawingFile {
 public:
     virtual ~KcDbDrawingFile() = default;
+    /// The groups of an object as the file holds them, the common ones included; points are one value each. Empty for
+    /// an object that was made in memory.
+    virtual KcDbValueList values(const KcDbObject& object) const = 0;
 };
 
 class KcDbSpatialIndex;

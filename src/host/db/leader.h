@@ -22,6 +22,7 @@ public:
         KcGeVector3d blockOffset, annotationOffset;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 
     size_t numVertices() const { return m_data.vertices.size(); }
     void appendVertex(KcGePoint3d point) { m_data.vertices.push_back(point); }

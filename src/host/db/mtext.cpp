@@ -82,6 +82,17 @@ KcGeMatrix3d KcDbMText::textTransform() const
     return KcGeMatrix3d::fromAxes(m_data.location, plane.axis(0), plane.axis(1), plane.axis(2));
 }
 
+KcGeExtents3d KcDbMText::backgroundOf(const KcDbMTextLayout& set) const
+{
+    KcGeExtents3d box;
+    if (m_data.fillMode == 0 || set.pieces.empty())
+        return box;
+    const double margin = std::max(0.0, m_data.fillFactor - 1.0) * m_data.height;
+    kcdbAddPoint(box, { set.left - margin, set.bottom - margin, 0.0 });
+    kcdbAddPoint(box, { set.right + margin, set.top + margin, 0.0 });
+    return box;
+}
+
 KcGeExtents3d KcDbMText::extentsUnder(const KcGeMatrix3d& matrix) const
 {
     const KcGeMatrix3d toWorld = matrix * textTransform();
@@ -92,8 +103,10 @@ KcGeExtents3d KcDbMText::extentsUnder(const KcGeMatrix3d& matrix) const
         const KcGi::TextExtent ink = KcGi::textExtent(f.font, piece.text, f.height, f.widthFactor);
         if (!ink.hasInk)
             continue;
-        kcdbAddPoint(local, { piece.x, piece.baseline + ink.bottom, 0.0 });
-        kcdbAddPoint(local, { piece.x + piece.width, piece.baseline + ink.top, 0.0 });
+        const double slant = std::tan(f.oblique);
+        for (const double y : { ink.bottom, ink.top })
+            for (const double x : { 0.0, piece.width })
+                kcdbAddPoint(local, { piece.x + x + y * slant, piece.baseline + y, 0.0 });
     }
     for (const KcDbMTextLayout::Rule& rule : set.rules) {
         kcdbAddPoint(local, { rule.x1, rule.y1, 0.0 });
@@ -101,10 +114,9 @@ KcGeExtents3d KcDbMText::extentsUnder(const KcGeMatrix3d& matrix) const
     }
     if (local.isEmpty())
         return local;
-    if (m_data.fillMode != 0 && m_data.fillFactor > 1.0) {
-        const double margin = (m_data.fillFactor - 1.0) * m_data.height;
-        kcdbAddPoint(local, { set.left - margin, set.bottom - margin, 0.0 });
-        kcdbAddPoint(local, { set.right + margin, set.top + margin, 0.0 });
+    if (const KcGeExtents3d background = backgroundOf(set); !background.isEmpty()) {
+        kcdbAddPoint(local, background.min);
+        kcdbAddPoint(local, background.max);
     }
     KcGeExtents3d box;
     for (const double x : { local.min.x, local.max.x })

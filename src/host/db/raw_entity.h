@@ -24,6 +24,9 @@ public:
 
     /// The box of its block, else of the points it holds.
     KcGeExtents3d geomExtents() const override;
+    /// Draws dimensions, multileaders, multilines, tolerances and frames from the groups of the file; other kinds are
+    /// told as left out.
+    void worldDraw(KcGiWorldDraw& draw) const override;
     std::vector<KcDbObjectId> ownedObjects() const override;
     /// eNotApplicable: what the program does not know it does not move.
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d&) override { return Kcad::eNotApplicable; }

@@ -10,6 +10,8 @@
 /// font of a drawing that names none.
 KcGi::TextStyle kcdbFontOfStyle(KcDbObjectId style, const KcDbDatabase* database);
 
+struct KcGiColor;
+
 struct KcDbTextData {
     KcGePoint3d position; ///< object coordinates; the left end of the base line
     KcGePoint3d alignment; ///< object coordinates; the point that other justifications refer to
@@ -31,6 +33,7 @@ class KcDbText : public KcDbEntity {
 public:
     using Data = KcDbTextData;
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 
     /// A part of a text between two changes of the lines that run under, over and through it.
     struct Run {
@@ -66,6 +69,8 @@ protected:
     /// The box of the text as it is set, before `textTransform`; of the given text instead of its own where given.
     KcGeExtents3d localBox(const QString* other = nullptr) const;
     KcGeExtents3d boxUnder(const KcGeMatrix3d& matrix, const QString* other = nullptr) const;
+    /// Draws the text, or the given one in its place.
+    void drawText(KcGiWorldDraw& draw, const QString& text) const;
 };
 
 /// A text of a block reference, filled in from its definition.
@@ -80,6 +85,7 @@ public:
     const AttributeData& attribute() const { return m_attribute; }
     AttributeData& attribute() { return m_attribute; }
     bool isInvisible() const { return m_attribute.flags & 1; }
+    void worldDraw(KcGiWorldDraw& draw) const override;
     /// Nothing when the attribute is invisible.
     KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const override;
 
@@ -101,9 +107,12 @@ public:
     bool isInvisible() const { return m_attribute.flags & 1; }
     bool isConstant() const { return m_attribute.flags & 2; }
     /// A definition shows its tag.
+    void worldDraw(KcGiWorldDraw& draw) const override;
     KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const override;
     /// What a reference draws of a constant attribute: its value. Empty for any other, and for invisible ones.
     KcGeExtents3d extentsInReference(const KcGeMatrix3d& matrix) const;
+    /// Draws what a reference shows of it: the value of a constant one.
+    void drawInReference(KcGiWorldDraw& draw) const;
 
 private:
     AttributeData m_attribute;
@@ -133,7 +142,10 @@ public:
         double actualWidth = 0.0, actualHeight = 0.0; ///< as last computed by the program that wrote the file; 0: unknown
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
 
+    /// Draws the text in a colour that stands for the entity's own.
+    void drawIn(KcGiWorldDraw& draw, const KcGiColor& own) const;
     const QString& contents() const { return m_data.contents; }
     void setContents(const QString& contents);
     /// The text without format codes; paragraphs are separated by line feeds.
@@ -149,5 +161,7 @@ public:
     std::vector<KcDbMTextRun> runs() const;
     /// The text set into lines; `textTransform` leads from its coordinates to world coordinates.
     KcDbMTextLayout layout() const;
+    /// The area behind the text that is filled or masked, in the coordinates of the layout; empty when there is none.
+    KcGeExtents3d backgroundOf(const KcDbMTextLayout& set) const;
     KcGeMatrix3d textTransform() const;
 };

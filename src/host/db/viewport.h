@@ -20,6 +20,7 @@ public:
         int viewFlags = 0;
     };
     KCDB_ENTITY_DATA
+    void worldDraw(KcGiWorldDraw& draw) const override;
     double width() const { return m_data.width; }
     double height() const { return m_data.height; }
     double viewHeight() const { return m_data.viewHeight; }

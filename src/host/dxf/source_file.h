@@ -38,6 +38,8 @@ public:
     };
     SourceFile(Room bytes, size_t size);
 
+    KcDbValueList values(const KcDbObject& object) const override;
+
     const char* begin() const { return m_bytes.get(); }
     const char* end() const { return m_bytes.get() + size; }
     std::string_view all() const { return { m_bytes.get(), size }; }
