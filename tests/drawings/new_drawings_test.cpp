@@ -7,6 +7,7 @@
 #include "db/polyline.h"
 #include "db/table.h"
 #include "db/tables.h"
+#include "db/wipeout.h"
 
 using namespace drawing_test;
 
@@ -28,7 +29,14 @@ for e in document.modelspace():
     elif kind == 'TEXT': values = (d.text, d.height)
     elif kind == 'MTEXT': values = (e.text, d.char_height)
     elif kind == 'INSERT': values = (d.name, *d.insert, d.rotation, [a.dxf.text for a in e.attribs])
-    elif kind == 'HATCH': values = (d.pattern_name, len(e.paths))
+    elif kind == 'HATCH':
+        values = [d.pattern_name, [type(p).__name__[:4] for p in e.paths], d.associative]
+        if e.pattern: values += [round(e.pattern.lines[0].angle, 6), e.pattern.lines[0].dash_length_items]
+        if e.has_gradient_data: values += [e.gradient.name, e.gradient.color2, round(e.gradient.rotation, 6)]
+        if e.has_xdata('ACAD'): values += [tuple(e.get_xdata('ACAD')[0].value)[:2]]
+        sources = [h for p in e.paths for h in p.source_boundary_objects]
+        values += [[document.entitydb[h].reactors.get() == [d.handle] for h in sources]]
+    elif kind == 'WIPEOUT': values = [len(e.boundary_path), document.rootdict['ACAD_WIPEOUT_VARS'].dxf.frame]
     else:
         print(kind)
         continue
@@ -83,6 +91,23 @@ std::unique_ptr<KcDbDatabase> makeDrawing()
         reference->appendAttribute(std::move(number));
         reference->setXData(QStringLiteral("VDL_TEST"), { { 1000, QStringLiteral("标记") }, { 1040, 1.5 } });
     }
+    const KcDbObjectId round = add(std::make_unique<KcDbCircle>(KcGePoint3d{ 4, 4, 0 }, 1.5));
+    auto hatch = std::make_unique<KcDbHatch>();
+    hatch->setAssociative(true);
+    hatch->setPattern(KcDbHatch::kCustomDefined, QStringLiteral("草坪"));
+    hatch->data().lines = { { 0.5, { 1, 2 }, { -1, 3 }, { 2, -1, 0, -1 } } };
+    hatch->setOriginPoint({ 7, 8 }, drawing.get());
+    hatch->appendLoop(KcDbHatch::kExternal, { { 0, 0 }, { 10, 0 }, { 10, 10 } }, { 0.5, 0, -0.25 });
+    hatch->appendLoop(KcDbHatch::kDefault, { round });
+    KcDbWrite<KcDbHatch>(add(std::move(hatch)))->watchSources();
+    auto gradient = std::make_unique<KcDbHatch>();
+    gradient->setPattern(KcDbHatch::kPreDefined, QStringLiteral("SOLID"));
+    gradient->appendLoop(KcDbHatch::kExternal, { { 20, 0 }, { 30, 0 }, { 30, 10 } });
+    gradient->data().gradient = { true, true, 0, 0.25, 0.0, false, 0.0,
+                                  { { 0.0, 5, 0x0000ff }, { 1.0, 2, 0xffff00 } }, QStringLiteral("CYLINDER") };
+    add(std::move(gradient));
+    add(KcDbWipeout::fromCorners({ { 0, 0, 0 }, { 4, 0, 0 }, { 4, 3, 0 } }));
+    kcdbSetWipeoutFrame(*drawing, 0);
     auto table = std::make_unique<KcDbTable>();
     table->setSize(3, 2);
     table->setRowHeight(8.0);
@@ -126,6 +151,10 @@ TEST(NewDrawings, AreSoundForOtherPrograms)
         "TEXT 绿化-乔木 银杏 7株 3.0\n"
         "MTEXT 绿化-乔木 一行\\P二行 2.0\n"
         "INSERT 绿化-乔木 香樟-D10 100.0 200.0 0.0 90.0 ['12']\n"
+        "CIRCLE 绿化-乔木 4.0 4.0 0.0 1.5\n"
+        "HATCH 绿化-乔木 草坪 ['Poly', 'Edge'] 1 28.64789 [2.0, -1.0, 0.0, -1.0] (7.0, 8.0) [True]\n"
+        "HATCH 绿化-乔木 SOLID ['Poly'] 0 CYLINDER (255, 255, 0) 14.323945 []\n"
+        "WIPEOUT 绿化-乔木 4 0\n"
         "ACAD_TABLE");
 }
 

@@ -8,6 +8,7 @@
 #include "ed/documents.h"
 #include "ed/editor.h"
 #include "ed/entity_dump.h"
+#include "ed/hatch_commands.h"
 #include "ed/pick_geometry.h"
 #include "ed/selection.h"
 
@@ -135,6 +136,7 @@ void kcedRegisterHostCommands()
     static constexpr Row rows[] = {
         { "COPY", 2, copyObjects, "copy objects by a displacement" },
         { "ERASE", 2, eraseObjects, "erase objects" },
+        { "HATCH", 2, kcedHatch, "fill closed outlines with a pattern" },
         { "LIST", 2, listObjects, "print the values of objects" },
         { "MOVE", 2, moveObjects, "move objects by a displacement" },
         { "REDO", KcEdCommand::kNoUndoStep, redo, "bring back what was undone last" },
@@ -142,6 +144,7 @@ void kcedRegisterHostCommands()
         { "REGENALL", 0, regenerate, "draw all views anew" },
         { "U", KcEdCommand::kNoUndoStep, undo, "take back the last command" },
         { "UNDO", KcEdCommand::kNoUndoStep, undo, "take back the last command" },
+        { "WIPEOUT", 2, kcedWipeout, "mask an area, or show and hide the frames of masks" },
     };
     KcEdCommandStack& stack = kcedCommandStack();
     for (const auto& command : stack.commands())
