@@ -13,6 +13,8 @@ namespace {
 
 constexpr CommandRow table[] = {
     { u"VDHELP", openHelp, 2, "open the help file" },
+    { u"DRAWINGSETTING", editDrawingSettings, 2,
+      "drawing scale, text height, units, dimension style and layer switches" },
     { u"TREENUMTOTABLE", countPlantsIntoTable, 2,
       "count plant symbols or labels into a tree quantity table" },
     { u"UPDATETREENUMTOTABLE", updatePlantTables, 2, "count existing tree quantity tables anew" },

@@ -5,6 +5,8 @@
 
 /// VDHELP: opens the help file.
 void openHelp();
+/// DRAWINGSETTING: the drawing settings dialog.
+void editDrawingSettings();
 /// VDLABOUT: says which product and version this is.
 void showAbout();
 

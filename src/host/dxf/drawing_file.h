@@ -13,6 +13,10 @@ struct Result {
     QStringList notes; ///< what the user should know of a success, such as a change of version
 };
 
+/// The file to read for a drawing's name, found without regard to letter case: for a name ending in .dwg the exchange
+/// file (.dxf) of that stem beside it, where there is one, since the other format cannot be read.
+QString findDrawing(const QString& path);
+
 /// Reads a drawing into an empty database (`KcDbDatabase::Content::kEmpty`). What is odd but readable becomes
 /// findings of the database.
 Result readDrawing(const QString& path, KcDbDatabase& database);

@@ -1,9 +1,13 @@
-// Reading the help expression and saying where the help file lies.
+// Reading the help expression, finding the help file, and opening it.
 
 #include "ed/help.h"
 
 #include "ed/console.h"
+#include "ed/documents.h"
 #include "platform/files.h"
+
+#include <QDesktopServices>
+#include <QUrl>
 
 std::optional<QString> kcedHelpPath(const QString& text)
 {
@@ -23,11 +27,25 @@ std::optional<QString> kcedHelpPath(const QString& text)
     return path;
 }
 
-void kcedShowHelp(const QString& path)
+QString kcedFindHelp(const QString& path)
 {
     const QString file = platform::findPath(platform::normalisedPath(path));
-    if (QFileInfo::exists(file))
-        kcedSay(QStringLiteral("Help: %1").arg(file));
-    else
-        kcedSay(QStringLiteral("The help file %1 is missing.").arg(file));
+    if (QFileInfo(file).isFile())
+        return file;
+    const QString stem = QFileInfo(file).path() + QLatin1Char('/') + QFileInfo(file).completeBaseName();
+    for (const char* pages : { ".html", ".htm", "/index.html" })
+        if (const QString found = platform::findPath(stem + QLatin1String(pages)); QFileInfo(found).isFile())
+            return found;
+    return {};
+}
+
+void kcedShowHelp(const QString& path)
+{
+    const QString file = kcedFindHelp(path);
+    if (file.isEmpty())
+        return kcedSay(QStringLiteral("The help file %1 is missing.")
+                           .arg(platform::findPath(platform::normalisedPath(path))));
+    kcedSay(QStringLiteral("Help: %1").arg(file));
+    if (kcDocManagerPtr()->mainWindow() && !QDesktopServices::openUrl(QUrl::fromLocalFile(file)))
+        kcedSay(QStringLiteral("The desktop has no program that opens it."));
 }

@@ -9,5 +9,9 @@
 /// other text.
 std::optional<QString> kcedHelpPath(const QString& text);
 
-/// Shows help. Without a window it says where the help file lies, or that it is missing.
+/// The file that is opened for a path: the file itself, else the pages of that stem: STEM.html, STEM.htm or
+/// STEM/index.html. Empty when there is none.
+QString kcedFindHelp(const QString& path);
+
+/// Says where the help lies, or that it is missing; with a window it is opened in the desktop's browser.
 void kcedShowHelp(const QString& path);
