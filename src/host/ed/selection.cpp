@@ -258,7 +258,7 @@ double kcedPickBoxSize()
     return 2.0 * pixels * kcedPixelSize();
 }
 
-KcDbObjectId kcedEntityAt(KcGePoint3d point, const KcEdFilter& filter)
+std::vector<KcDbObjectId> kcedEntitiesAt(KcGePoint3d point, const KcEdFilter& filter)
 {
     KcDbDatabase* database = kcedCurrentDatabase();
     if (!database)
@@ -266,21 +266,29 @@ KcDbObjectId kcedEntityAt(KcGePoint3d point, const KcEdFilter& filter)
     const KcEdPickRegion box = pickBox(*database, point);
     const KcEdCompiledFilter compiled(filter);
     KcEdPickGeometry geometry(std::max(kcedPickBoxSize() / 8.0, KcGeContext::gTol.equalPoint));
-    KcDbObjectId byLine, byInside;
+    Ids byLine, byInside;
     for (const KcDbObjectId id : inRegion(*database, box, compiled)) {
         const KcDbRead<KcDbEntity> entity(id);
         switch (box.touches(geometry.pieces(*entity))) {
         case KcEdPickRegion::Touch::Line:
-            byLine = id;
+            byLine.push_back(id);
             break;
         case KcEdPickRegion::Touch::Inside:
-            byInside = id;
+            byInside.push_back(id);
             break;
         case KcEdPickRegion::Touch::None:
             break;
         }
     }
-    return byLine.isNull() ? byInside : byLine;
+    std::reverse(byLine.begin(), byLine.end());
+    byLine.insert(byLine.end(), byInside.rbegin(), byInside.rend());
+    return byLine;
+}
+
+KcDbObjectId kcedEntityAt(KcGePoint3d point, const KcEdFilter& filter)
+{
+    const Ids ids = kcedEntitiesAt(point, filter);
+    return ids.empty() ? KcDbObjectId() : ids.front();
 }
 
 KcEdSelectionAnswer kcedSelect(const KcEdSelectionRequest& request)

@@ -47,8 +47,10 @@ KcEdStatus kcedSSGet(
 
 /// Half the side of the pick box in drawing units, from PICKBOX and VIEWSIZE.
 double kcedPickBoxSize();
-/// The last entity in drawing order that passes within half a pick box of a point in user coordinates; one
-/// whose lines do comes before one whose filled inside does. Null when there is none.
+/// What passes within half a pick box of a point in user coordinates: those whose lines do, then those whose
+/// filled inside does, of each kind the last drawn first.
+std::vector<KcDbObjectId> kcedEntitiesAt(KcGePoint3d point, const KcEdFilter& filter = {});
+/// The first of them; null when there is none.
 KcDbObjectId kcedEntityAt(KcGePoint3d point, const KcEdFilter& filter = {});
 
 /// Executes a selection line typed while no command runs; a sentence when it is refused.

@@ -1,0 +1,102 @@
+// The drawing area: shows the current space, and turns what the mouse does into answers.
+#pragma once
+
+#include "ed/documents.h"
+#include "ed/prompt.h"
+#include "ui/screen_map.h"
+
+#include <QImage>
+#include <QTimer>
+#include <QWidget>
+
+#include <unordered_set>
+
+class KcUiWindowSource;
+
+class KcUiCanvas : public QWidget, public KcEdViewWindow, public KcDbListener {
+public:
+    explicit KcUiCanvas(KcUiWindowSource& source, QWidget* parent = nullptr);
+    ~KcUiCanvas() override;
+
+    /// The document shown; null: none.
+    void setDocument(KcApDocument* document);
+    /// What waits for an answer; null while a command computes.
+    void setPrompt(const KcEdPrompt* prompt);
+    void setDark(bool dark);
+    bool isDark() const { return m_dark; }
+
+    /// Keys that the drawing area does not take.
+    std::function<void(QKeyEvent*)> onKey;
+    /// Where the cursor is, in user coordinates.
+    std::function<void(KcGePoint3d)> onCursor;
+    /// The right button, where it does not drag.
+    std::function<void()> onEnter;
+
+    void zoom(double factor);
+    void zoomExtents();
+
+    // KcEdViewWindow
+    QSize size() const override { return QWidget::size(); }
+    void viewChanged() override;
+    void regenerate() override;
+    void update() override;
+    void highlight(const std::vector<KcDbObjectId>& ids, bool on) override;
+    QPoint toScreen(KcGePoint2d point) const override;
+
+    // KcDbListener
+    void objectCreated(const KcDbObject&) override { contentsChanged(); }
+    void objectModified(const KcDbObject&) override { contentsChanged(); }
+    void objectErased(const KcDbObject&, bool) override { contentsChanged(); }
+
+    /// What the cursor stands for: the snapped and constrained point in user coordinates.
+    KcGePoint3d cursorPoint() const { return m_point; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    KcUiScreenMap map() const;
+    void contentsChanged();
+    void planFrame(int milliseconds);
+    void renderFrame();
+    void moveCursor(QPointF pixel);
+    bool selects() const;
+    void press(QPointF pixel, Qt::KeyboardModifiers keys);
+    void finishRectangle(QPointF pixel, bool removes);
+    void answerSelection(KcEdSelectionLine line);
+    KcDbObjectId entityUnder(QPointF pixel, bool next);
+
+    void drawFrame(QPainter& painter);
+    void drawCursor(QPainter& painter);
+    void drawRubberBand(QPainter& painter);
+    void drawGrips(QPainter& painter);
+    void drawAxes(QPainter& painter);
+
+    KcUiWindowSource& m_source;
+    KcApDocument* m_document = nullptr;
+    std::optional<KcEdPrompt> m_prompt; ///< a copy: the waiting one may go while the canvas looks at it
+    bool m_dark = true;
+
+    QImage m_frame; ///< the picture last computed
+    KcEdView m_frameView; ///< and the view it shows
+    bool m_frameStale = true;
+    QTimer m_frameTimer;
+
+    QPointF m_pixel; ///< of the cursor
+    bool m_inside = false;
+    KcGePoint3d m_point;
+    std::optional<QPointF> m_panFrom;
+    std::optional<QPointF> m_rectangleFrom; ///< first corner of a selection rectangle
+    bool m_dragging = false; ///< the button is still down since the first corner
+    std::vector<KcDbObjectId> m_under; ///< what lay under the cursor at the last pick, and
+    size_t m_underAt = 0; ///< which of it was taken
+    std::unordered_set<KcDbObjectId> m_highlighted;
+};

@@ -1,0 +1,110 @@
+// What lies over the picture of the drawing: cursor, rubber band, selection rectangle, grips, axes.
+
+#include "ed/selection.h"
+#include "ed/system_variables.h"
+#include "ui/canvas.h"
+
+#include <QPainter>
+
+namespace {
+
+constexpr int kGripPixels = 4; // to each side
+constexpr size_t kMostGrips = 400; // of more selected entities only the marks are shown
+constexpr int kAxisPixels = 44, kAxisCorner = 18;
+constexpr double kTurnForAngles = 180.0 / 3.14159265358979323846;
+
+struct Palette {
+    QColor background, cursor, text, grip, window, crossing, band;
+};
+
+const Palette& palette(bool dark)
+{
+    static const Palette darkColors{ QColor(33, 40, 48),        QColor(230, 230, 230), QColor(230, 230, 230),
+                                     QColor(70, 150, 255),      QColor(60, 120, 255, 60),
+                                     QColor(60, 220, 90, 60),   QColor(255, 200, 60) };
+    static const Palette lightColors{ QColor(255, 255, 255),    QColor(20, 20, 20),    QColor(20, 20, 20),
+                                      QColor(0, 90, 220),       QColor(0, 60, 255, 45),
+                                      QColor(0, 150, 30, 45),   QColor(200, 110, 0) };
+    return dark ? darkColors : lightColors;
+}
+
+} // namespace
+
+void KcUiCanvas::drawRubberBand(QPainter& painter)
+{
+    const Palette& colors = palette(m_dark);
+    if (m_rectangleFrom) {
+        const bool crossing = m_pixel.x() < m_rectangleFrom->x();
+        const QColor fill = crossing ? colors.crossing : colors.window;
+        QPen pen(QColor(fill.red(), fill.green(), fill.blue()));
+        pen.setStyle(crossing ? Qt::DashLine : Qt::SolidLine);
+        painter.setPen(pen);
+        painter.setBrush(fill);
+        painter.drawRect(QRectF(*m_rectangleFrom, m_pixel).normalized());
+        return;
+    }
+    if (!m_prompt || !m_prompt->base || !m_document || !m_inside)
+        return;
+    const KcGeMatrix3d ucs = m_document->database().ucsToWorld();
+    const auto pixelOf = [&](KcGePoint3d inUcs) {
+        const KcGePoint3d world = ucs * inUcs;
+        return map().toPixel({ world.x, world.y });
+    };
+    painter.setPen(QPen(colors.band, 1, Qt::DashLine));
+    painter.setBrush(Qt::NoBrush);
+    if (m_prompt->kind == KcEdPrompt::Kind::Corner) {
+        const KcGePoint3d a = *m_prompt->base, b = m_point;
+        const QPointF corners[] = { pixelOf(a), pixelOf({ b.x, a.y, a.z }), pixelOf(b), pixelOf({ a.x, b.y, a.z }) };
+        painter.drawPolygon(corners, 4);
+    } else if (m_prompt->kind == KcEdPrompt::Kind::Point || m_prompt->kind == KcEdPrompt::Kind::Distance) {
+        painter.drawLine(pixelOf(*m_prompt->base), pixelOf(m_point));
+    }
+}
+
+void KcUiCanvas::drawCursor(QPainter& painter)
+{
+    if (!m_inside)
+        return;
+    const Palette& colors = palette(m_dark);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(colors.cursor);
+    painter.setBrush(Qt::NoBrush);
+    const QPointF at(std::floor(m_pixel.x()) + 0.5, std::floor(m_pixel.y()) + 0.5);
+    const double box = kcedVarReal("PICKBOX", 3.0);
+    const bool picks = !m_prompt || selects() || m_prompt->kind == KcEdPrompt::Kind::Entity;
+    const bool crosses = !m_prompt || m_prompt->kind == KcEdPrompt::Kind::Command || !picks;
+    // Horizontal and vertical arms stop at the pick box, so that what is picked can be seen.
+    const double gap = picks ? box : 0.0;
+    if (crosses) {
+        painter.drawLine(QPointF(0, at.y()), QPointF(at.x() - gap, at.y()));
+        painter.drawLine(QPointF(at.x() + gap, at.y()), QPointF(width(), at.y()));
+        painter.drawLine(QPointF(at.x(), 0), QPointF(at.x(), at.y() - gap));
+        painter.drawLine(QPointF(at.x(), at.y() + gap), QPointF(at.x(), height()));
+    }
+    if (picks)
+        painter.drawRect(QRectF(at.x() - box, at.y() - box, 2 * box, 2 * box));
+}
+
+void KcUiCanvas::drawAxes(QPainter& painter)
+{
+    if (!m_document)
+        return;
+    const Palette& colors = palette(m_dark);
+    const KcGeMatrix3d ucs = m_document->database().ucsToWorld();
+    const QPointF origin(kAxisCorner, height() - kAxisCorner);
+    painter.setPen(QPen(colors.text, 1.5));
+    const struct {
+        KcGeVector3d axis;
+        const char* name;
+    } axes[] = { { { 1, 0, 0 }, "X" }, { { 0, 1, 0 }, "Y" } };
+    for (const auto& [axis, name] : axes) {
+        const KcGeVector3d direction = ucs * axis;
+        if (!(std::hypot(direction.x, direction.y) > KcGeContext::gTol.equalVector))
+            continue;
+        const QPointF tip = origin + QPointF(direction.x, -direction.y) * kAxisPixels;
+        painter.drawLine(origin, tip);
+        painter.drawText(tip + QPointF(3, 4), QLatin1String(name));
+    }
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(QRectF(origin.x() - 3, origin.y() - 3, 6, 6));
+}
