@@ -7,6 +7,7 @@
 KcApDocument::KcApDocument(std::unique_ptr<KcDbDatabase> database)
     : m_database(std::move(database))
 {
+    markSaved();
 }
 
 QStringList KcApDocument::takeSentLines()
@@ -41,17 +42,29 @@ bool KcApDocManager::knows(const KcApDocument* document) const
 KcApDocument& KcApDocManager::open(std::unique_ptr<KcDbDatabase> database)
 {
     m_documents.push_back(std::make_unique<KcApDocument>(std::move(database)));
-    m_current = m_documents.back().get();
+    becomeCurrent(m_documents.back().get());
     return *m_current;
+}
+
+void KcApDocManager::becomeCurrent(KcApDocument* document)
+{
+    m_current = document;
+    if (onCurrentChanged)
+        onCurrentChanged();
 }
 
 Kcad::ErrorStatus KcApDocManager::close(KcApDocument& document)
 {
     if (document.m_locks > 0)
         return Kcad::eLockViolation;
-    std::erase_if(m_documents, [&](const auto& open) { return open.get() == &document; });
+    const auto at = std::find_if(
+        m_documents.begin(), m_documents.end(), [&](const auto& open) { return open.get() == &document; });
+    if (at == m_documents.end())
+        return Kcad::eInvalidInput;
+    const std::unique_ptr<KcApDocument> closing = std::move(*at);
+    m_documents.erase(at);
     if (m_current == &document)
-        m_current = m_documents.empty() ? nullptr : m_documents.back().get();
+        becomeCurrent(m_documents.empty() ? nullptr : m_documents.back().get());
     return Kcad::eOk;
 }
 
@@ -59,7 +72,7 @@ Kcad::ErrorStatus KcApDocManager::setCurDocument(KcApDocument& document)
 {
     if (!knows(&document))
         return Kcad::eInvalidInput;
-    m_current = &document;
+    becomeCurrent(&document);
     return Kcad::eOk;
 }
 

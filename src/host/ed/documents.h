@@ -16,6 +16,10 @@ public:
 
     KcDbDatabase& database() { return *m_database; }
 
+    /// True when something changed since the drawing was opened or saved.
+    bool isModified() const { return m_database->changeCount() != m_savedAt; }
+    void markSaved() { m_savedAt = m_database->changeCount(); }
+
     /// Selected while no command ran; the next command that may take it takes it.
     KcEdSelectionSet pickFirst;
     /// What the last selection prompt gave; "P" selects it again.
@@ -40,6 +44,7 @@ public:
 private:
     friend class KcApDocManager;
     std::unique_ptr<KcDbDatabase> m_database;
+    uint64_t m_savedAt = 0;
     bool m_writeProtected = false;
     int m_locks = 0;
     QString m_sent;
@@ -72,12 +77,16 @@ public:
     void popResourceHandle();
     const void* resourceHandle() const { return m_resources.empty() ? nullptr : m_resources.back(); }
 
+    /// Told when another document, or none, has become the current one.
+    std::function<void()> onCurrentChanged;
+
     /// Parent of dialogs; null without a window.
     QWidget* mainWindow() const { return m_mainWindow; }
     void setMainWindow(QWidget* window) { m_mainWindow = window; }
 
 private:
     bool knows(const KcApDocument* document) const;
+    void becomeCurrent(KcApDocument* document);
 
     std::vector<std::unique_ptr<KcApDocument>> m_documents;
     KcApDocument* m_current = nullptr;

@@ -80,6 +80,11 @@ void kcedRestoreStatusBar()
         sink().clear();
 }
 
+bool kcedProgressCancelled()
+{
+    return meter().running && sink().isCancelled();
+}
+
 KcEdProgressSink* kcedSetProgressSink(KcEdProgressSink* other)
 {
     return std::exchange(meter().sink, other);

@@ -18,7 +18,12 @@ public:
     /// `percent` from 0 to 100; called only when it changes.
     virtual void show(const QString& label, int percent) = 0;
     virtual void clear() = 0;
+    /// True once the user has asked to stop the long work.
+    virtual bool isCancelled() { return false; }
 };
+/// True when the user wants the work of the meter that runs stopped. Ask it at the end of each step that can
+/// stand alone.
+bool kcedProgressCancelled();
 /// Installs another sink, which must outlive its use, and returns the one before; null is the terminal.
 KcEdProgressSink* kcedSetProgressSink(KcEdProgressSink* sink);
 

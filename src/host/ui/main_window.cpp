@@ -1,0 +1,324 @@
+// Putting the window together, and documents going in and out of it.
+
+#include "ui/main_window.h"
+
+#include "dxf/drawing_file.h"
+#include "ed/command_stack.h"
+#include "ed/console.h"
+#include "ed/editor.h"
+#include "ui/canvas.h"
+#include "ui/command_line.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QSettings>
+#include <QStatusBar>
+#include <QTabBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+
+QString drawingFilter()
+{
+    return QStringLiteral("Drawings (*.dxf *.DXF);;All files (*)");
+}
+
+QString shownName(const KcApDocument& document)
+{
+    const QString path = document.database().fileName();
+    return path.isEmpty() ? QStringLiteral("New drawing") : QFileInfo(path).fileName();
+}
+
+} // namespace
+
+KcUiMainWindow::KcUiMainWindow()
+    : m_canvas(new KcUiCanvas(m_source, this))
+    , m_commandLine(new KcUiCommandLine(m_source, this))
+    , m_tabs(new QTabBar(this))
+{
+    setObjectName(QStringLiteral("mainWindow"));
+    setAcceptDrops(true);
+
+    auto* center = new QWidget(this);
+    auto* column = new QVBoxLayout(center);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(m_canvas, 1);
+    m_tabs->setShape(QTabBar::RoundedSouth);
+    m_tabs->setObjectName(QStringLiteral("layoutTabs"));
+    m_tabs->setExpanding(false);
+    m_tabs->setFocusPolicy(Qt::NoFocus);
+    column->addWidget(m_tabs);
+    setCentralWidget(center);
+
+    auto* dock = new QDockWidget(QStringLiteral("Command line"), this);
+    dock->setObjectName(QStringLiteral("commandLineDock"));
+    dock->setWidget(m_commandLine);
+    dock->setAllowedAreas(Qt::TopDockWidgetArea | Qt::BottomDockWidgetArea);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+
+    m_canvas->onKey = [this](QKeyEvent* event) { m_commandLine->type(event); };
+    m_canvas->onEnter = [this] { m_commandLine->enter(); };
+    m_canvas->onCursor = [this](KcGePoint3d p) {
+        m_coordinates->setText(QStringLiteral("%1, %2").arg(p.x, 0, 'f', 3).arg(p.y, 0, 'f', 3));
+    };
+    m_source.onWaiting = [this](const KcEdPrompt* prompt) { waiting(prompt); };
+    m_source.onRefused = [](const QString& reason) { kcedSay(reason); };
+    kcedSetOutput([this](const QString& text) { m_commandLine->append(text); });
+    kcedSetErrorOutput([this](const QString& text) { m_commandLine->append(QLatin1Char('\n') + text + QLatin1Char('\n')); });
+    kcedSetProgressSink(this);
+    kcDocManagerPtr()->setMainWindow(this);
+    kcDocManagerPtr()->onCurrentChanged = [this] { showDocument(); };
+
+    makeStatusBar();
+    makePanels();
+    makeMenus();
+    QObject::connect(m_tabs, &QTabBar::tabBarClicked, this, [this](int index) {
+        if (index < 0)
+            return;
+        const QString name = m_tabs->tabText(index);
+        whenIdle([this, name] {
+            m_source.pushLine(QStringLiteral("CTAB"));
+            m_source.pushLine(name);
+        });
+    });
+
+    QSettings settings;
+    resize(1280, 860);
+    restoreGeometry(settings.value(QStringLiteral("window/geometry")).toByteArray());
+    restoreState(settings.value(QStringLiteral("window/state")).toByteArray());
+    applyTheme(settings.value(QStringLiteral("window/dark"), true).toBool());
+    m_commandLine->setFocus();
+}
+
+KcUiMainWindow::~KcUiMainWindow()
+{
+    kcDocManagerPtr()->onCurrentChanged = nullptr;
+    kcDocManagerPtr()->setMainWindow(nullptr);
+    kcedSetProgressSink(nullptr);
+    kcedSetOutput({});
+    kcedSetErrorOutput({});
+}
+
+// What waits.
+
+void KcUiMainWindow::waiting(const KcEdPrompt* prompt)
+{
+    m_commandLine->setPrompt(prompt);
+    m_canvas->setPrompt(prompt);
+    updateTitle();
+    if (!prompt || prompt->kind != KcEdPrompt::Kind::Command || kcedCommandStack().active())
+        return;
+    updateTabs();
+    for (auto& work : std::exchange(m_idleWork, {}))
+        work();
+}
+
+void KcUiMainWindow::whenIdle(std::function<void()> work)
+{
+    const KcEdPrompt* prompt = m_source.waiting();
+    if (prompt && prompt->kind == KcEdPrompt::Kind::Command && !kcedCommandStack().active())
+        return work();
+    m_idleWork.push_back(std::move(work));
+    m_source.push(KcEdEscape());
+}
+
+void KcUiMainWindow::runCommand(const QString& name)
+{
+    whenIdle([this, name] { m_source.pushLine(name); });
+}
+
+// Documents.
+
+void KcUiMainWindow::showDocument()
+{
+    m_canvas->setDocument(kcDocManagerPtr()->curDocument());
+    updateTitle();
+    updateTabs();
+}
+
+bool KcUiMainWindow::openDrawing(const QString& path)
+{
+    auto database = std::make_unique<KcDbDatabase>(KcDbDatabase::Content::kEmpty);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto result = dxf::readDrawing(path, *database);
+    QApplication::restoreOverrideCursor();
+    if (!result.ok) {
+        platform::MessageBoxW(this, result.error, QStringLiteral("Open"), platform::MessageBoxButtons::Ok,
+                              platform::MessageBoxIcon::Error);
+        return false;
+    }
+    for (const QString& note : result.notes)
+        kcedSay(note);
+    KcApDocument* before = kcDocManagerPtr()->curDocument();
+    kcDocManagerPtr()->open(std::move(database));
+    if (before)
+        kcDocManagerPtr()->close(*before);
+    rememberRecent(path);
+    return true;
+}
+
+void KcUiMainWindow::newDrawing()
+{
+    KcApDocument* before = kcDocManagerPtr()->curDocument();
+    kcDocManagerPtr()->open(std::make_unique<KcDbDatabase>());
+    if (before)
+        kcDocManagerPtr()->close(*before);
+}
+
+bool KcUiMainWindow::save()
+{
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    if (!document)
+        return false;
+    if (document->database().fileName().isEmpty())
+        return saveAs();
+    const auto result = dxf::saveDrawing(document->database(), document->database().fileName());
+    for (const QString& note : result.notes)
+        kcedSay(note);
+    if (!result.ok) {
+        platform::MessageBoxW(this, result.error, QStringLiteral("Save"), platform::MessageBoxButtons::Ok,
+                              platform::MessageBoxIcon::Error);
+        return false;
+    }
+    document->markSaved();
+    kcedSay(QStringLiteral("Saved %1").arg(document->database().fileName()));
+    updateTitle();
+    return true;
+}
+
+bool KcUiMainWindow::saveAs()
+{
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    if (!document)
+        return false;
+    QString path = QFileDialog::getSaveFileName(
+        this, QStringLiteral("Save the drawing as"), document->database().fileName(), drawingFilter());
+    if (path.isEmpty())
+        return false;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".dxf");
+    const QString before = document->database().fileName();
+    document->database().setFileName(path);
+    if (save()) {
+        rememberRecent(path);
+        return true;
+    }
+    document->database().setFileName(before);
+    return false;
+}
+
+bool KcUiMainWindow::mayDiscard()
+{
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    if (!document || !document->isModified())
+        return true;
+    QMessageBox question(
+        QMessageBox::Question, QStringLiteral("Verdelis"),
+        QStringLiteral("%1 has changes that are not saved.").arg(shownName(*document)),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
+    question.setObjectName(QStringLiteral("unsavedQuestion"));
+    question.setDefaultButton(QMessageBox::Save);
+    switch (question.exec()) {
+    case QMessageBox::Save:
+        return save();
+    case QMessageBox::Discard:
+        return true;
+    default:
+        return false;
+    }
+}
+
+void KcUiMainWindow::updateTitle()
+{
+    const KcApDocument* document = kcDocManagerPtr()->curDocument();
+    setWindowTitle(
+        document ? shownName(*document) + QStringLiteral("[*] – Verdelis") : QStringLiteral("Verdelis"));
+    setWindowModified(document && document->isModified());
+}
+
+void KcUiMainWindow::closeEvent(QCloseEvent* event)
+{
+    if (m_closing)
+        return event->accept();
+    // What waits is cancelled first; the question comes when nothing runs any more.
+    event->ignore();
+    whenIdle([this] {
+        if (!mayDiscard())
+            return;
+        m_closing = true;
+        QSettings settings;
+        settings.setValue(QStringLiteral("window/geometry"), saveGeometry());
+        settings.setValue(QStringLiteral("window/state"), saveState());
+        m_source.finish();
+        close();
+    });
+}
+
+void KcUiMainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void KcUiMainWindow::dropEvent(QDropEvent* event)
+{
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (urls.isEmpty() || !urls.first().isLocalFile())
+        return;
+    const QString path = urls.first().toLocalFile();
+    whenIdle([this, path] {
+        if (mayDiscard())
+            openDrawing(path);
+    });
+}
+
+// Progress.
+
+void KcUiMainWindow::makeStatusBar()
+{
+    m_coordinates = new QLabel(this);
+    m_coordinates->setObjectName(QStringLiteral("coordinates"));
+    m_coordinates->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("000000000.000, 000000000.000")));
+    m_progress = new QProgressBar(this);
+    m_progress->setObjectName(QStringLiteral("progress"));
+    m_progress->setMaximumWidth(220);
+    m_progress->hide();
+    m_cancelProgress = new QToolButton(this);
+    m_cancelProgress->setObjectName(QStringLiteral("cancelProgress"));
+    m_cancelProgress->setText(QStringLiteral("Stop"));
+    m_cancelProgress->hide();
+    QObject::connect(m_cancelProgress, &QToolButton::clicked, this, [this] { m_cancelled = true; });
+    statusBar()->addWidget(m_coordinates);
+    statusBar()->addPermanentWidget(m_progress);
+    statusBar()->addPermanentWidget(m_cancelProgress);
+}
+
+void KcUiMainWindow::show(const QString& label, int percent)
+{
+    if (m_progress->isHidden()) {
+        m_cancelled = false;
+        m_progress->show();
+        m_cancelProgress->show();
+    }
+    m_progress->setFormat(label.isEmpty() ? QStringLiteral("%p%") : label + QStringLiteral(" %p%"));
+    m_progress->setValue(percent);
+    // The window stays alive while a command computes; what is typed and clicked meanwhile waits, but for the
+    // stop button.
+    QApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+}
+
+void KcUiMainWindow::clear()
+{
+    m_progress->hide();
+    m_cancelProgress->hide();
+    m_cancelled = false;
+}

@@ -1,0 +1,74 @@
+// The window: drawing area, command line, menus, panels, status bar.
+#pragma once
+
+#include "ed/documents.h"
+#include "ed/status_bar.h"
+#include "ui/window_source.h"
+
+#include <QMainWindow>
+
+class KcUiCanvas;
+class KcUiCommandLine;
+class QLabel;
+class QProgressBar;
+class QTabBar;
+class QToolButton;
+
+class KcUiMainWindow : public QMainWindow, private KcEdProgressSink {
+public:
+    KcUiMainWindow();
+    ~KcUiMainWindow() override;
+
+    KcUiWindowSource& source() { return m_source; }
+    KcUiCanvas& canvas() { return *m_canvas; }
+
+    /// Opens a drawing in the place of the current one. False, with the message given, when it cannot be read; the
+    /// current one stays then.
+    bool openDrawing(const QString& path);
+    /// Begins an empty drawing in the place of the current one.
+    void newDrawing();
+    /// Saves under the drawing's own name, or asks for one. False when that failed or was cancelled.
+    bool save();
+    bool saveAs();
+
+    /// Asks whether changes shall be saved, where there are any; true when the drawing may go.
+    bool mayDiscard();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    // KcEdProgressSink
+    void show(const QString& label, int percent) override;
+    void clear() override;
+    bool isCancelled() override { return m_cancelled; }
+
+    void makeMenus();
+    void makePanels();
+    void makeStatusBar();
+    void waiting(const KcEdPrompt* prompt);
+    /// Runs something when no command does: what runs is cancelled first.
+    void whenIdle(std::function<void()> work);
+    void runCommand(const QString& name);
+    void showDocument();
+    void updateTitle();
+    void rememberRecent(const QString& path);
+    void fillRecentMenu();
+    void applyTheme(bool dark);
+    void updateTabs();
+
+    KcUiWindowSource m_source;
+    KcUiCanvas* m_canvas;
+    KcUiCommandLine* m_commandLine;
+    QLabel* m_coordinates;
+    QProgressBar* m_progress;
+    QToolButton* m_cancelProgress;
+    QTabBar* m_tabs;
+    QMenu* m_recentMenu = nullptr;
+    std::vector<std::function<void()>> m_idleWork;
+    bool m_cancelled = false;
+    bool m_closing = false;
+    uint64_t m_savedChangeCount = 0;
+};
