@@ -12,7 +12,7 @@ namespace {
 const char kHelp[] =
     R"(verdelis: landscape planting tools for 2D CAD drawings
 
-verdelis [DRAWING]                                open the window (not there yet)
+verdelis [DRAWING]                                open the window
 verdelis run DRAWING [-s SCRIPT | -c LINE]... [-o OUT.dxf]
                                                   run without a window; several -s and -c in order
 verdelis shell DRAWING [-o OUT.dxf]               the same prompts on the terminal
@@ -62,16 +62,17 @@ int runSubCommand(QStringList arguments)
         int (*body)(const Arguments&);
     };
     static constexpr Row rows[] = {
-        { "run", run },     { "shell", shell }, { "plot", plot }, { "dump", dump },
-        { "audit", audit }, { "commands", listCommands },
+        { "run", run },   { "shell", shell }, { "plot", plot },
+        { "dump", dump }, { "audit", audit }, { "commands", listCommands },
     };
     for (const Row& row : rows)
         if (name == QLatin1String(row.name))
             return row.body(arguments);
     if (name.startsWith(QLatin1Char('-')))
         return wrongUsage(QStringLiteral("There is no option %1.").arg(name));
-    return wrongUsage(
-        QStringLiteral("The window is not there yet; `verdelis run` and `verdelis shell` work without it."));
+    if (!name.isEmpty())
+        arguments.prepend(name);
+    return window(arguments);
 }
 
 } // namespace

@@ -21,6 +21,7 @@ using Arguments = QStringList;
 // Each sub-command; the argument list begins behind its name.
 int run(const Arguments& arguments);
 int shell(const Arguments& arguments);
+int window(const Arguments& arguments);
 int plot(const Arguments& arguments);
 int dump(const Arguments& arguments);
 int audit(const Arguments& arguments);

@@ -105,6 +105,13 @@ void KcUiCanvas::zoomExtents()
         kcedSetView(*m_document, *view);
 }
 
+void KcUiCanvas::zoomWindow()
+{
+    m_zoomsWindow = true;
+    m_rectangleFrom.reset();
+    QWidget::update();
+}
+
 void KcUiCanvas::viewChanged()
 {
     m_frameStale = true;
@@ -184,12 +191,12 @@ void KcUiCanvas::moveCursor(QPointF pixel)
     if (!m_document)
         return;
     const KcGePoint2d world = map().toModel(pixel);
-    KcGePoint3d point
-        = m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
+    KcGePoint3d point = m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
     if (m_prompt && m_prompt->base && kcedVarInt("ORTHOMODE", 0) != 0) {
         const KcGeVector3d way = point - *m_prompt->base;
         point = *m_prompt->base
-            + (std::abs(way.x) >= std::abs(way.y) ? KcGeVector3d{ way.x, 0, 0 } : KcGeVector3d{ 0, way.y, 0 });
+            + (std::abs(way.x) >= std::abs(way.y) ? KcGeVector3d{ way.x, 0, 0 }
+                                                  : KcGeVector3d{ 0, way.y, 0 });
     }
     m_point = point;
     if (m_prompt && m_prompt->kind == KcEdPrompt::Kind::Track)
@@ -254,7 +261,16 @@ void KcUiCanvas::mouseDoubleClickEvent(QMouseEvent* event)
 
 void KcUiCanvas::press(QPointF pixel, Qt::KeyboardModifiers keys)
 {
-    if (!m_prompt || !m_document || !m_source.waiting())
+    if (!m_document)
+        return;
+    if (m_zoomsWindow) {
+        if (m_rectangleFrom)
+            return finishRectangle(pixel, false);
+        m_rectangleFrom = pixel;
+        m_dragging = true;
+        return;
+    }
+    if (!m_prompt || !m_source.waiting())
         return;
     const bool next = keys & Qt::ControlModifier;
     if (takesPoint(m_prompt->kind)) {
@@ -297,6 +313,15 @@ void KcUiCanvas::finishRectangle(QPointF pixel, bool removes)
         const KcGePoint2d world = map().toModel(corner);
         return m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
     };
+    if (std::exchange(m_zoomsWindow, false)) {
+        const KcGePoint2d a = map().toModel(from), b = map().toModel(pixel);
+        KcGeExtents3d box;
+        box.addPoint({ a.x, a.y, 0 });
+        box.addPoint({ b.x, b.y, 0 });
+        if (const auto view = kcedViewOf(box); view && from != pixel)
+            kcedSetView(*m_document, *view);
+        return;
+    }
     // To the right: what lies inside; to the left: what it touches as well.
     const auto mode
         = pixel.x() >= from.x() ? KcEdSelectionLine::Mode::Window : KcEdSelectionLine::Mode::Crossing;
@@ -311,8 +336,9 @@ void KcUiCanvas::answerSelection(KcEdSelectionLine line)
 
 void KcUiCanvas::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape && m_rectangleFrom) {
+    if (event->key() == Qt::Key_Escape && (m_rectangleFrom || m_zoomsWindow)) {
         m_rectangleFrom.reset();
+        m_zoomsWindow = false;
         QWidget::update();
         return;
     }

@@ -34,6 +34,8 @@ public:
 
     void zoom(double factor);
     void zoomExtents();
+    /// The next rectangle drawn with the mouse is what is shown then.
+    void zoomWindow();
 
     // KcEdViewWindow
     QSize size() const override { return QWidget::size(); }
@@ -95,6 +97,7 @@ private:
     KcGePoint3d m_point;
     std::optional<QPointF> m_panFrom;
     std::optional<QPointF> m_rectangleFrom; ///< first corner of a selection rectangle
+    bool m_zoomsWindow = false; ///< the rectangle is no selection but the next view
     bool m_dragging = false; ///< the button is still down since the first corner
     std::vector<KcDbObjectId> m_under; ///< what lay under the cursor at the last pick, and
     size_t m_underAt = 0; ///< which of it was taken

@@ -1,8 +1,10 @@
 // What lies over the picture of the drawing: cursor, rubber band, selection rectangle, grips, axes.
 
+#include "ed/grips.h"
 #include "ed/selection.h"
 #include "ed/system_variables.h"
 #include "ui/canvas.h"
+#include "ui/palette.h"
 
 #include <QPainter>
 
@@ -11,28 +13,46 @@ namespace {
 constexpr int kGripPixels = 4; // to each side
 constexpr size_t kMostGrips = 400; // of more selected entities only the marks are shown
 constexpr int kAxisPixels = 44, kAxisCorner = 18;
-constexpr double kTurnForAngles = 180.0 / 3.14159265358979323846;
-
-struct Palette {
-    QColor background, cursor, text, grip, window, crossing, band;
-};
-
-const Palette& palette(bool dark)
-{
-    static const Palette darkColors{ QColor(33, 40, 48),        QColor(230, 230, 230), QColor(230, 230, 230),
-                                     QColor(70, 150, 255),      QColor(60, 120, 255, 60),
-                                     QColor(60, 220, 90, 60),   QColor(255, 200, 60) };
-    static const Palette lightColors{ QColor(255, 255, 255),    QColor(20, 20, 20),    QColor(20, 20, 20),
-                                      QColor(0, 90, 220),       QColor(0, 60, 255, 45),
-                                      QColor(0, 150, 30, 45),   QColor(200, 110, 0) };
-    return dark ? darkColors : lightColors;
-}
 
 } // namespace
 
+const KcUiPalette& kcuiPalette(bool dark)
+{
+    static const KcUiPalette darkColors{
+        QColor(33, 40, 48),      QColor(230, 230, 230), QColor(230, 230, 230),
+        QColor(70, 150, 255),    QColor(255, 170, 60),  QColor(60, 120, 255, 60),
+        QColor(60, 220, 90, 60), QColor(255, 200, 60),  QColor(60, 230, 120),
+    };
+    static const KcUiPalette lightColors{
+        QColor(255, 255, 255),  QColor(20, 20, 20),  QColor(20, 20, 20),
+        QColor(0, 90, 220),     QColor(220, 100, 0), QColor(0, 60, 255, 45),
+        QColor(0, 150, 30, 45), QColor(200, 110, 0), QColor(0, 150, 60),
+    };
+    return dark ? darkColors : lightColors;
+}
+
+void KcUiCanvas::drawGrips(QPainter& painter)
+{
+    if (!m_document || m_document->pickFirst.size() > kMostGrips)
+        return;
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(kcuiPalette(m_dark).background);
+    painter.setBrush(kcuiPalette(m_dark).grip);
+    for (const KcDbObjectId id : m_document->pickFirst.ids()) {
+        const KcDbRead<KcDbEntity> entity(id);
+        if (!entity)
+            continue;
+        for (const KcGePoint3d& p : kcedGripPoints(*entity)) {
+            const QPointF at = map().toPixel({ p.x, p.y });
+            painter.drawRect(
+                QRectF(at.x() - kGripPixels, at.y() - kGripPixels, 2 * kGripPixels, 2 * kGripPixels));
+        }
+    }
+}
+
 void KcUiCanvas::drawRubberBand(QPainter& painter)
 {
-    const Palette& colors = palette(m_dark);
+    const KcUiPalette& colors = kcuiPalette(m_dark);
     if (m_rectangleFrom) {
         const bool crossing = m_pixel.x() < m_rectangleFrom->x();
         const QColor fill = crossing ? colors.crossing : colors.window;
@@ -54,7 +74,8 @@ void KcUiCanvas::drawRubberBand(QPainter& painter)
     painter.setBrush(Qt::NoBrush);
     if (m_prompt->kind == KcEdPrompt::Kind::Corner) {
         const KcGePoint3d a = *m_prompt->base, b = m_point;
-        const QPointF corners[] = { pixelOf(a), pixelOf({ b.x, a.y, a.z }), pixelOf(b), pixelOf({ a.x, b.y, a.z }) };
+        const QPointF corners[]
+            = { pixelOf(a), pixelOf({ b.x, a.y, a.z }), pixelOf(b), pixelOf({ a.x, b.y, a.z }) };
         painter.drawPolygon(corners, 4);
     } else if (m_prompt->kind == KcEdPrompt::Kind::Point || m_prompt->kind == KcEdPrompt::Kind::Distance) {
         painter.drawLine(pixelOf(*m_prompt->base), pixelOf(m_point));
@@ -65,7 +86,7 @@ void KcUiCanvas::drawCursor(QPainter& painter)
 {
     if (!m_inside)
         return;
-    const Palette& colors = palette(m_dark);
+    const KcUiPalette& colors = kcuiPalette(m_dark);
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(colors.cursor);
     painter.setBrush(Qt::NoBrush);
@@ -89,7 +110,7 @@ void KcUiCanvas::drawAxes(QPainter& painter)
 {
     if (!m_document)
         return;
-    const Palette& colors = palette(m_dark);
+    const KcUiPalette& colors = kcuiPalette(m_dark);
     const KcGeMatrix3d ucs = m_document->database().ucsToWorld();
     const QPointF origin(kAxisCorner, height() - kAxisCorner);
     painter.setPen(QPen(colors.text, 1.5));

@@ -4,7 +4,7 @@
 
 #include "db/header.h"
 #include "db/tables.h"
-#include "ed/colours.h"
+#include "ed/activity.h"
 #include "ed/console.h"
 #include "ed/documents.h"
 #include "ed/system_variables.h"
@@ -28,9 +28,8 @@ QIcon swatch(const KcCmColor& color)
 
 } // namespace
 
-KcUiLayerPanel::KcUiLayerPanel(std::function<void(std::function<void()>)> whenIdle, QWidget* parent)
+KcUiLayerPanel::KcUiLayerPanel(QWidget* parent)
     : QWidget(parent)
-    , m_whenIdle(std::move(whenIdle))
     , m_filter(new QLineEdit(this))
     , m_list(new QTreeWidget(this))
 {
@@ -51,12 +50,12 @@ KcUiLayerPanel::KcUiLayerPanel(std::function<void(std::function<void()>)> whenId
     column->addWidget(m_filter);
     column->addWidget(m_list);
     QObject::connect(m_filter, &QLineEdit::textChanged, this, [this] { applyFilter(); });
-    QObject::connect(
-        m_list, &QTreeWidget::itemChanged, this,
-        [this](QTreeWidgetItem* item, int at) { itemChanged(item, at); });
-    QObject::connect(
-        m_list, &QTreeWidget::itemActivated, this,
-        [this](QTreeWidgetItem* item, int at) { itemActivated(item, at); });
+    QObject::connect(m_list, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* item, int at) {
+        itemChanged(item, at);
+    });
+    QObject::connect(m_list, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item, int at) {
+        itemActivated(item, at);
+    });
     m_timer.setSingleShot(true);
     m_timer.setInterval(kRefreshDelay);
     QObject::connect(&m_timer, &QTimer::timeout, this, [this] { fill(); });
@@ -152,7 +151,7 @@ void KcUiLayerPanel::itemChanged(QTreeWidgetItem* item, int column)
         return;
     const QString name = item->text(kName);
     const bool checked = item->checkState(column) == Qt::Checked;
-    m_whenIdle([this, name, checked, column] {
+    kcedRequest(KcEdWish::Change, [this, name, checked, column] {
         if (!m_document)
             return;
         KcDbDatabase& database = m_document->database();
@@ -178,20 +177,10 @@ void KcUiLayerPanel::itemChanged(QTreeWidgetItem* item, int column)
 void KcUiLayerPanel::itemActivated(QTreeWidgetItem* item, int column)
 {
     const QString name = item->text(kName);
-    m_whenIdle([this, name, column] {
+    kcedRequest(KcEdWish::Change, [this, name, column] {
         if (!m_document)
             return;
-        KcDbDatabase& database = m_document->database();
-        const KcDbObjectId id = kcdbFindRecord(database.layerTable(), name);
-        if (column == kColor) {
-            const KcDbRead<KcDbLayerTableRecord> layer(id);
-            int color = layer ? layer->colorIndex() : 7;
-            if (!layer || !kcedSetColorDialog(color, false, color))
-                return;
-            const KcApUndoStep step(database, QStringLiteral("LAYER"));
-            KcDbWrite<KcDbLayerTableRecord>(id)->setColor(color);
-            kcedRegenerate();
-        } else if (column == kName) {
+        if (column == kName) {
             if (const QString sentence = kcedSetVar(QStringLiteral("CLAYER"), name); !sentence.isEmpty())
                 kcedSay(sentence);
         }

@@ -13,8 +13,7 @@ class KcApDocument;
 
 class KcUiLayerPanel : public QWidget, public KcDbListener {
 public:
-    /// `whenIdle` runs work when no command does.
-    KcUiLayerPanel(std::function<void(std::function<void()>)> whenIdle, QWidget* parent = nullptr);
+    explicit KcUiLayerPanel(QWidget* parent = nullptr);
     ~KcUiLayerPanel() override;
     void setDocument(KcApDocument* document);
 
@@ -34,7 +33,6 @@ private:
     void itemChanged(QTreeWidgetItem* item, int column);
     void itemActivated(QTreeWidgetItem* item, int column);
 
-    std::function<void(std::function<void()>)> m_whenIdle;
     KcApDocument* m_document = nullptr;
     QLineEdit* m_filter;
     QTreeWidget* m_list;

@@ -3,11 +3,16 @@
 #include "ui/main_window.h"
 
 #include "dxf/drawing_file.h"
+#include "ed/activity.h"
 #include "ed/command_stack.h"
 #include "ed/console.h"
-#include "ed/editor.h"
+#include "ed/system_variables.h"
+#include "gi/paint/plot.h"
+#include "platform/message_box.h"
 #include "ui/canvas.h"
 #include "ui/command_line.h"
+#include "ui/layer_panel.h"
+#include "ui/property_panel.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -15,6 +20,7 @@
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
@@ -31,7 +37,7 @@ QString drawingFilter()
     return QStringLiteral("Drawings (*.dxf *.DXF);;All files (*)");
 }
 
-QString shownName(const KcApDocument& document)
+QString shownName(KcApDocument& document)
 {
     const QString path = document.database().fileName();
     return path.isEmpty() ? QStringLiteral("New drawing") : QFileInfo(path).fileName();
@@ -73,7 +79,8 @@ KcUiMainWindow::KcUiMainWindow()
     m_source.onWaiting = [this](const KcEdPrompt* prompt) { waiting(prompt); };
     m_source.onRefused = [](const QString& reason) { kcedSay(reason); };
     kcedSetOutput([this](const QString& text) { m_commandLine->append(text); });
-    kcedSetErrorOutput([this](const QString& text) { m_commandLine->append(QLatin1Char('\n') + text + QLatin1Char('\n')); });
+    kcedSetErrorOutput(
+        [this](const QString& text) { m_commandLine->append(QLatin1Char('\n') + text + QLatin1Char('\n')); });
     kcedSetProgressSink(this);
     kcDocManagerPtr()->setMainWindow(this);
     kcDocManagerPtr()->onCurrentChanged = [this] { showDocument(); };
@@ -85,14 +92,16 @@ KcUiMainWindow::KcUiMainWindow()
         if (index < 0)
             return;
         const QString name = m_tabs->tabText(index);
-        whenIdle([this, name] {
-            m_source.pushLine(QStringLiteral("CTAB"));
-            m_source.pushLine(name);
+        kcedRequest(KcEdWish::Change, [name] {
+            if (const QString sentence = kcedSetVar(QStringLiteral("CTAB"), name); !sentence.isEmpty())
+                kcedSay(sentence);
         });
     });
 
     QSettings settings;
     resize(1280, 860);
+    constexpr int kCommandRows = 6;
+    resizeDocks({ dock }, { fontMetrics().lineSpacing() * (kCommandRows + 2) }, Qt::Vertical);
     restoreGeometry(settings.value(QStringLiteral("window/geometry")).toByteArray());
     restoreState(settings.value(QStringLiteral("window/state")).toByteArray());
     applyTheme(settings.value(QStringLiteral("window/dark"), true).toBool());
@@ -115,32 +124,26 @@ void KcUiMainWindow::waiting(const KcEdPrompt* prompt)
     m_commandLine->setPrompt(prompt);
     m_canvas->setPrompt(prompt);
     updateTitle();
-    if (!prompt || prompt->kind != KcEdPrompt::Kind::Command || kcedCommandStack().active())
+    if (!prompt)
         return;
-    updateTabs();
-    for (auto& work : std::exchange(m_idleWork, {}))
-        work();
-}
-
-void KcUiMainWindow::whenIdle(std::function<void()> work)
-{
-    const KcEdPrompt* prompt = m_source.waiting();
-    if (prompt && prompt->kind == KcEdPrompt::Kind::Command && !kcedCommandStack().active())
-        return work();
-    m_idleWork.push_back(std::move(work));
-    m_source.push(KcEdEscape());
+    if (prompt->kind == KcEdPrompt::Kind::Command && !kcedCommandStack().active())
+        updateTabs();
+    m_properties->refresh();
 }
 
 void KcUiMainWindow::runCommand(const QString& name)
 {
-    whenIdle([this, name] { m_source.pushLine(name); });
+    kcedRequest(KcEdWish::Change, [this, name] { m_source.pushLine(name); });
 }
 
 // Documents.
 
 void KcUiMainWindow::showDocument()
 {
-    m_canvas->setDocument(kcDocManagerPtr()->curDocument());
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    m_canvas->setDocument(document);
+    m_layers->setDocument(document);
+    m_properties->setDocument(document);
     updateTitle();
     updateTabs();
 }
@@ -152,8 +155,9 @@ bool KcUiMainWindow::openDrawing(const QString& path)
     const auto result = dxf::readDrawing(path, *database);
     QApplication::restoreOverrideCursor();
     if (!result.ok) {
-        platform::MessageBoxW(this, result.error, QStringLiteral("Open"), platform::MessageBoxButtons::Ok,
-                              platform::MessageBoxIcon::Error);
+        platform::MessageBoxW(
+            this, result.error, QStringLiteral("Open"), platform::MessageBoxButtons::Ok,
+            platform::MessageBoxIcon::Error);
         return false;
     }
     for (const QString& note : result.notes)
@@ -185,8 +189,9 @@ bool KcUiMainWindow::save()
     for (const QString& note : result.notes)
         kcedSay(note);
     if (!result.ok) {
-        platform::MessageBoxW(this, result.error, QStringLiteral("Save"), platform::MessageBoxButtons::Ok,
-                              platform::MessageBoxIcon::Error);
+        platform::MessageBoxW(
+            this, result.error, QStringLiteral("Save"), platform::MessageBoxButtons::Ok,
+            platform::MessageBoxIcon::Error);
         return false;
     }
     document->markSaved();
@@ -239,7 +244,7 @@ bool KcUiMainWindow::mayDiscard()
 
 void KcUiMainWindow::updateTitle()
 {
-    const KcApDocument* document = kcDocManagerPtr()->curDocument();
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
     setWindowTitle(
         document ? shownName(*document) + QStringLiteral("[*] – Verdelis") : QStringLiteral("Verdelis"));
     setWindowModified(document && document->isModified());
@@ -251,7 +256,7 @@ void KcUiMainWindow::closeEvent(QCloseEvent* event)
         return event->accept();
     // What waits is cancelled first; the question comes when nothing runs any more.
     event->ignore();
-    whenIdle([this] {
+    kcedRequest(KcEdWish::Close, [this] {
         if (!mayDiscard())
             return;
         m_closing = true;
@@ -275,7 +280,7 @@ void KcUiMainWindow::dropEvent(QDropEvent* event)
     if (urls.isEmpty() || !urls.first().isLocalFile())
         return;
     const QString path = urls.first().toLocalFile();
-    whenIdle([this, path] {
+    kcedRequest(KcEdWish::Close, [this, path] {
         if (mayDiscard())
             openDrawing(path);
     });
@@ -287,7 +292,8 @@ void KcUiMainWindow::makeStatusBar()
 {
     m_coordinates = new QLabel(this);
     m_coordinates->setObjectName(QStringLiteral("coordinates"));
-    m_coordinates->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("000000000.000, 000000000.000")));
+    m_coordinates->setMinimumWidth(
+        fontMetrics().horizontalAdvance(QStringLiteral("000000000.000, 000000000.000")));
     m_progress = new QProgressBar(this);
     m_progress->setObjectName(QStringLiteral("progress"));
     m_progress->setMaximumWidth(220);
@@ -321,4 +327,77 @@ void KcUiMainWindow::clear()
     m_progress->hide();
     m_cancelProgress->hide();
     m_cancelled = false;
+}
+
+// Panels and lists.
+
+void KcUiMainWindow::makePanels()
+{
+    const auto addPanel = [this](const QString& title, QWidget* panel) {
+        auto* dock = new QDockWidget(title, this);
+        dock->setObjectName(panel->objectName() + QStringLiteral("Dock"));
+        dock->setWidget(panel);
+        addDockWidget(Qt::RightDockWidgetArea, dock);
+        return dock;
+    };
+    m_layers = new KcUiLayerPanel(this);
+    m_properties = new KcUiPropertyPanel(this);
+    QDockWidget* layers = addPanel(QStringLiteral("Layers"), m_layers);
+    QDockWidget* properties = addPanel(QStringLiteral("Properties"), m_properties);
+    QObject::connect(properties, &QDockWidget::visibilityChanged, this, [this] { m_properties->refresh(); });
+    tabifyDockWidget(layers, properties);
+    layers->raise();
+}
+
+void KcUiMainWindow::updateTabs()
+{
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    const QStringList names = document ? kcgiLayoutNames(document->database()) : QStringList();
+    QStringList shown;
+    for (int i = 0; i < m_tabs->count(); ++i)
+        shown += m_tabs->tabText(i);
+    if (shown != names) {
+        while (m_tabs->count() > 0)
+            m_tabs->removeTab(0);
+        for (const QString& name : names)
+            m_tabs->addTab(name);
+    }
+    const QString current = kcedVarText(QStringLiteral("CTAB"));
+    for (int i = 0; i < m_tabs->count(); ++i)
+        if (m_tabs->tabText(i).compare(current, Qt::CaseInsensitive) == 0 && m_tabs->currentIndex() != i) {
+            m_tabs->setCurrentIndex(i);
+            m_canvas->viewChanged();
+        }
+}
+
+void KcUiMainWindow::rememberRecent(const QString& path)
+{
+    constexpr int kRecent = 9;
+    QSettings settings;
+    QStringList recent = settings.value(QStringLiteral("window/recent")).toStringList();
+    const QString whole = QFileInfo(path).absoluteFilePath();
+    recent.removeAll(whole);
+    recent.prepend(whole);
+    settings.setValue(QStringLiteral("window/recent"), recent.mid(0, kRecent));
+}
+
+void KcUiMainWindow::fillRecentMenu()
+{
+    m_recentMenu->clear();
+    const QStringList recent = QSettings().value(QStringLiteral("window/recent")).toStringList();
+    for (int i = 0; i < recent.size(); ++i) {
+        const QString path = recent[i];
+        QAction* action
+            = m_recentMenu->addAction(QStringLiteral("&%1  %2").arg(i + 1).arg(QFileInfo(path).fileName()));
+        action->setToolTip(path);
+        action->setEnabled(QFileInfo::exists(path));
+        QObject::connect(action, &QAction::triggered, this, [this, path] {
+            kcedRequest(KcEdWish::Close, [this, path] {
+                if (mayDiscard())
+                    openDrawing(path);
+            });
+        });
+    }
+    if (recent.isEmpty())
+        m_recentMenu->addAction(QStringLiteral("No drawing yet"))->setEnabled(false);
 }

@@ -9,6 +9,8 @@
 
 class KcUiCanvas;
 class KcUiCommandLine;
+class KcUiLayerPanel;
+class KcUiPropertyPanel;
 class QLabel;
 class QProgressBar;
 class QTabBar;
@@ -16,14 +18,16 @@ class QToolButton;
 
 class KcUiMainWindow : public QMainWindow, private KcEdProgressSink {
 public:
+    using QMainWindow::show;
+
     KcUiMainWindow();
     ~KcUiMainWindow() override;
 
     KcUiWindowSource& source() { return m_source; }
     KcUiCanvas& canvas() { return *m_canvas; }
 
-    /// Opens a drawing in the place of the current one. False, with the message given, when it cannot be read; the
-    /// current one stays then.
+    /// Opens a drawing in the place of the current one. False, with the message given, when it cannot be
+    /// read; the current one stays then.
     bool openDrawing(const QString& path);
     /// Begins an empty drawing in the place of the current one.
     void newDrawing();
@@ -49,8 +53,6 @@ private:
     void makePanels();
     void makeStatusBar();
     void waiting(const KcEdPrompt* prompt);
-    /// Runs something when no command does: what runs is cancelled first.
-    void whenIdle(std::function<void()> work);
     void runCommand(const QString& name);
     void showDocument();
     void updateTitle();
@@ -62,13 +64,13 @@ private:
     KcUiWindowSource m_source;
     KcUiCanvas* m_canvas;
     KcUiCommandLine* m_commandLine;
+    KcUiLayerPanel* m_layers = nullptr;
+    KcUiPropertyPanel* m_properties = nullptr;
     QLabel* m_coordinates;
     QProgressBar* m_progress;
     QToolButton* m_cancelProgress;
     QTabBar* m_tabs;
     QMenu* m_recentMenu = nullptr;
-    std::vector<std::function<void()>> m_idleWork;
     bool m_cancelled = false;
     bool m_closing = false;
-    uint64_t m_savedChangeCount = 0;
 };

@@ -1,5 +1,6 @@
 // Menus and tool bars: the host's commands, and the landscape commands by subsystem as far as they exist.
 
+#include "ed/activity.h"
 #include "ed/command_stack.h"
 #include "ui/canvas.h"
 #include "ui/command_line.h"
@@ -138,10 +139,7 @@ const std::vector<Group>& landscapeGroups()
             { "MODTEXTHEIGHT", "修改字高" },
             { "MODTEXT", "修改文字" },
             { "AUTOLEVEL", "文字对齐" } } },
-        { "设置",
-          { { "DRAWINGSETTING", "绘图设置" },
-            { "VDHELP", "帮助" },
-            { "VDLABOUT", "关于" } } },
+        { "设置", { { "DRAWINGSETTING", "绘图设置" }, { "VDHELP", "帮助" }, { "VDLABOUT", "关于" } } },
     };
     return groups;
 }
@@ -183,18 +181,19 @@ void KcUiMainWindow::makeMenus()
 
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
     add(file, QStringLiteral("&New"), QKeySequence::New, [this] {
-        whenIdle([this] {
+        kcedRequest(KcEdWish::Close, [this] {
             if (mayDiscard())
                 newDrawing();
         });
     });
     add(file, QStringLiteral("&Open…"), QKeySequence::Open, [this] {
-        whenIdle([this] {
+        kcedRequest(KcEdWish::Close, [this] {
             if (!mayDiscard())
                 return;
-            const KcApDocument* document = kcDocManagerPtr()->curDocument();
+            KcApDocument* document = kcDocManagerPtr()->curDocument();
             const QString path = QFileDialog::getOpenFileName(
-                this, QStringLiteral("Open a drawing"), document ? document->path() : QString(),
+                this, QStringLiteral("Open a drawing"),
+                document ? document->database().fileName() : QString(),
                 QStringLiteral("Drawings (*.dxf *.DXF);;All files (*)"));
             if (!path.isEmpty())
                 openDrawing(path);
@@ -203,10 +202,13 @@ void KcUiMainWindow::makeMenus()
     m_recentMenu = file->addMenu(QStringLiteral("Open &recent"));
     QObject::connect(m_recentMenu, &QMenu::aboutToShow, this, [this] { fillRecentMenu(); });
     file->addSeparator();
-    add(file, QStringLiteral("&Save"), QKeySequence::Save, [this] { whenIdle([this] { save(); }); });
-    add(file, QStringLiteral("Save &as…"), QKeySequence::SaveAs, [this] { whenIdle([this] { saveAs(); }); });
+    add(file, QStringLiteral("&Save"), QKeySequence::Save,
+        [this] { kcedRequest(KcEdWish::Change, [this] { save(); }); });
+    add(file, QStringLiteral("Save &as…"), QKeySequence::SaveAs,
+        [this] { kcedRequest(KcEdWish::Change, [this] { saveAs(); }); });
     if (kcedCommandStack().lookup(QStringLiteral("PLOT")))
-        add(file, QStringLiteral("&Plot…"), QKeySequence::Print, [this] { runCommand(QStringLiteral("PLOT")); });
+        add(file, QStringLiteral("&Plot…"), QKeySequence::Print,
+            [this] { runCommand(QStringLiteral("PLOT")); });
     file->addSeparator();
     add(file, QStringLiteral("&Quit"), QKeySequence::Quit, [this] { close(); });
 
@@ -214,9 +216,12 @@ void KcUiMainWindow::makeMenus()
     add(edit, QStringLiteral("&Undo"), QKeySequence::Undo, [this] { runCommand(QStringLiteral("U")); });
     add(edit, QStringLiteral("&Redo"), QKeySequence::Redo, [this] { runCommand(QStringLiteral("REDO")); });
     edit->addSeparator();
-    add(edit, QStringLiteral("&Erase"), QKeySequence::Delete, [this] { runCommand(QStringLiteral("ERASE")); });
+    add(edit, QStringLiteral("&Erase"), QKeySequence::Delete,
+        [this] { runCommand(QStringLiteral("ERASE")); });
     add(edit, QStringLiteral("Select &all"), QKeySequence::SelectAll, [this] {
-        whenIdle([this] { m_source.pushLine(QStringLiteral("ALL")); });
+        // While objects are selected it answers; else it selects before a command.
+        if (kcedActivity() == KcEdActivity::Prompt || kcedActivity() == KcEdActivity::Idle)
+            m_source.pushLine(QStringLiteral("ALL"));
     });
 
     // These look, and change nothing: they work while a prompt waits.

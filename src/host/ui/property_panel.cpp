@@ -26,9 +26,8 @@ QString asText(const QJsonValue& value)
 // Short lists of numbers (points, colours) read better in one row.
 bool isShortList(const QJsonArray& list)
 {
-    return list.size() <= 4 && std::all_of(list.begin(), list.end(), [](const QJsonValue& v) {
-               return v.isDouble();
-           });
+    return list.size() <= 4
+        && std::all_of(list.begin(), list.end(), [](const QJsonValue& v) { return v.isDouble(); });
 }
 
 } // namespace
@@ -121,7 +120,8 @@ void KcUiPropertyPanel::addValue(QTreeWidgetItem* parent, const QString& name, c
         for (int i = 0; i < std::min<int>(kMostItems, list.size()); ++i)
             addValue(item, QString::number(i + 1), list[i]);
         if (list.size() > kMostItems)
-            new QTreeWidgetItem(item, { QStringLiteral("…"), QStringLiteral("%1 more").arg(list.size() - kMostItems) });
+            new QTreeWidgetItem(
+                item, { QStringLiteral("…"), QStringLiteral("%1 more").arg(list.size() - kMostItems) });
     } else if (value.isArray()) {
         QStringList numbers;
         for (const QJsonValue& number : value.toArray())

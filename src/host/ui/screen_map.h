@@ -23,12 +23,13 @@ struct KcUiScreenMap {
         return { view.center.x + (pixel.x() - size.width() / 2) * unit,
                  view.center.y - (pixel.y() - size.height() / 2) * unit };
     }
-    /// The same window after zooming by a factor (more than 1: closer) about a pixel, which keeps its place in
-    /// the drawing.
+    /// The same window after zooming by a factor (more than 1: closer) about a pixel, which keeps its place
+    /// in the drawing.
     KcEdView zoomed(double factor, QPointF about) const
     {
         const KcGePoint2d fixed = toModel(about);
-        return { { fixed.x + (view.center.x - fixed.x) / factor, fixed.y + (view.center.y - fixed.y) / factor },
+        return { { fixed.x + (view.center.x - fixed.x) / factor,
+                   fixed.y + (view.center.y - fixed.y) / factor },
                  view.height / factor };
     }
     /// The view after the drawing was dragged by some pixels.

@@ -11,8 +11,10 @@ void KcUiWindowSource::push(KcEdEvent event)
     if (std::holds_alternative<KcEdMove>(event) && !m_events.empty()
         && std::holds_alternative<KcEdMove>(m_events.back()))
         m_events.pop_back();
+    // Escape forgets what was typed ahead of it; what was granted stays.
     if (std::holds_alternative<KcEdEscape>(event))
-        m_events.clear();
+        std::erase_if(
+            m_events, [](const KcEdEvent& other) { return !std::holds_alternative<KcEdCall>(other); });
     m_events.push_back(std::move(event));
     if (m_loop)
         m_loop->quit();

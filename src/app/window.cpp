@@ -1,0 +1,30 @@
+// verdelis [DRAWING]: the window.
+
+#include "program.h"
+
+#include "ed/console.h"
+#include "ed/editor.h"
+#include "ui/main_window.h"
+
+#include <QTimer>
+
+namespace program {
+
+int window(const Arguments& arguments)
+{
+    if (const QString option = strayOption(arguments); !option.isEmpty())
+        return wrongUsage(QStringLiteral("There is no option %1.").arg(option));
+    if (arguments.size() > 1)
+        return wrongUsage(QStringLiteral("The window opens one drawing."));
+    if (!prepareCommands())
+        return kFileError;
+    KcUiMainWindow window;
+    window.show();
+    if (arguments.isEmpty() || !window.openDrawing(arguments.first()))
+        window.newDrawing();
+    const KcEdSourceScope source(window.source());
+    KcEdEditor::instance().run();
+    return kDone;
+}
+
+} // namespace program
