@@ -81,8 +81,10 @@ int main(int argc, char** argv)
 {
     // Dialogs and fonts work without a display too.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY")
-        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        program::noteMissingDisplay();
+    }
     qInstallMessageHandler(passOn);
     QApplication application(argc, argv);
     application.setApplicationName(QStringLiteral("verdelis"));

@@ -27,6 +27,9 @@ int dump(const Arguments& arguments);
 int audit(const Arguments& arguments);
 int listCommands(const Arguments& arguments);
 
+/// Remembers that there is no display to show a window on; dialogs work without, driven by lines.
+void noteMissingDisplay();
+
 /// Says what is wrong on standard error, with a line on where help is.
 int wrongUsage(const QString& sentence);
 int fileError(const QString& sentence);

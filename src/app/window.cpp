@@ -6,9 +6,20 @@
 #include "ed/editor.h"
 #include "ui/main_window.h"
 
-#include <QTimer>
+#include <QFileInfo>
 
 namespace program {
+
+namespace {
+
+bool hasDisplay = true;
+
+} // namespace
+
+void noteMissingDisplay()
+{
+    hasDisplay = false;
+}
 
 int window(const Arguments& arguments)
 {
@@ -16,6 +27,12 @@ int window(const Arguments& arguments)
         return wrongUsage(QStringLiteral("There is no option %1.").arg(option));
     if (arguments.size() > 1)
         return wrongUsage(QStringLiteral("The window opens one drawing."));
+    if (arguments.size() == 1 && !QFileInfo(arguments.first()).isFile())
+        return wrongUsage(QStringLiteral("%1 is neither a sub-command nor a drawing that is there.")
+                              .arg(arguments.first()));
+    if (!hasDisplay)
+        return wrongUsage(QStringLiteral(
+            "There is no display for the window; `verdelis run` and `verdelis shell` work without one."));
     if (!prepareCommands())
         return kFileError;
     KcUiMainWindow window;

@@ -19,7 +19,8 @@ protected:
         QProcess process;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("VERDELIS_ROOT", folder.filePath("root"));
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        for (const char* name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
+            environment.remove(name);
         process.setProcessEnvironment(environment);
         process.start(VERDELIS_PROGRAM, arguments);
         process.write(input);
@@ -82,8 +83,16 @@ TEST_F(Program, ExitStatuses)
         { "an option without value", { "run", plan, "-s" }, 2, "-s lacks its value", false },
         { "an unknown entity", { "dump", plan, "FFFFFF" }, 2, "no entity FFFFFF", false },
         { "an unknown sub-command option", { "audit", plan, "-x" }, 2, "-x", false },
-        { "plot", { "plot", plan, "x.png" }, 2, "not there yet", false },
-        { "the window", { plan }, 2, "not there yet", false },
+        { "a plot of another kind", { "plot", plan, "x.doc" }, 2, ".png, .pdf or .svg", false },
+        { "a plot of no window", { "plot", plan, "x.png", "--window", "1,2,3" }, 2, "--window", false },
+        { "a plot on no paper", { "plot", plan, "x.pdf", "--paper", "A99" }, 2, "A99", false },
+        { "a plot of no layout",
+          { "plot", plan, folder.filePath("x.pdf"), "--layout", "Attic" },
+          1,
+          "\"Attic\"",
+          false },
+        { "neither a sub-command nor a drawing", { "frobnicate" }, 2, "frobnicate", false },
+        { "the window without a display", { plan }, 2, "no display", false },
     };
     for (const auto& row : rows) {
         QFile::remove(out);
