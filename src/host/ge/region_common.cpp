@@ -1,5 +1,5 @@
 // Where two pieces of the region search meet. Lines and arcs are worked out here, they are what drawings are made of;
-// ellipses and splines leave it to the general intersection.
+// ellipses and splines that are no cubics leave it to the general intersection.
 
 #include "ge/intersect.h"
 #include "ge/region_pieces.h"
@@ -13,9 +13,15 @@ void RegionPieces::common(
 {
     if (a.kind == Kind::Smooth || b.kind == Kind::Smooth)
         return general(a, b, ofB, result);
-    endsOn(a, b, false, result);
-    endsOn(b, a, true, result);
-    if (a.kind == Kind::Line && b.kind == Kind::Line)
+    endsOn(a, b, ofB, false, result);
+    endsOn(b, a, *this, true, result);
+    if (a.kind == Kind::Cubic && b.kind == Kind::Cubic)
+        cubicCubic(a, b, ofB, result);
+    else if (a.kind == Kind::Cubic)
+        b.kind == Kind::Line ? cubicLine(a, b, *this, false, result) : cubicArc(a, b, *this, false, result);
+    else if (b.kind == Kind::Cubic)
+        a.kind == Kind::Line ? cubicLine(b, a, ofB, true, result) : cubicArc(b, a, ofB, true, result);
+    else if (a.kind == Kind::Line && b.kind == Kind::Line)
         lineLine(a, b, result);
     else if (a.kind == Kind::Line)
         lineArc(a, b, false, result);
@@ -26,8 +32,8 @@ void RegionPieces::common(
 }
 
 // Ends of a on b. Overlaps need nothing else: both pieces are cut at each other's ends.
-void RegionPieces::endsOn(
-    const RegionPiece& a, const RegionPiece& b, bool swapped, std::vector<Common>& result) const
+void RegionPieces::endsOn(const RegionPiece& a, const RegionPiece& b, const RegionPieces& ofB, bool swapped,
+    std::vector<Common>& result) const
 {
     for (const double end : { 0.0, 1.0 }) {
         const KcGePoint2d point = end == 0.0 ? a.start : a.end;
@@ -41,13 +47,64 @@ void RegionPieces::endsOn(
             t = to.dotProduct(along) / square;
             if (!(off * off <= m_tolerance * m_tolerance * square) || t <= 0.0 || t >= 1.0)
                 continue;
-        } else {
+        } else if (b.kind == Kind::Arc) {
             const double off = point.distanceTo(b.center) - b.radius;
             if (!(std::abs(off) <= m_tolerance) || !isOnArc(b, point, t))
+                continue;
+        } else {
+            const double reach = m_tolerance;
+            if (point.x < std::min(b.start.x, b.end.x) - reach || point.x > std::max(b.start.x, b.end.x) + reach
+                || point.y < std::min(b.start.y, b.end.y) - reach || point.y > std::max(b.start.y, b.end.y) + reach)
+                continue;
+            double distance = 0.0;
+            t = ofB.closest(b, point, distance);
+            if (!(distance <= m_tolerance))
                 continue;
         }
         result.push_back(swapped ? Common{ t, end } : Common{ end, t });
     }
+}
+
+void RegionPieces::cubicLine(const RegionPiece& cubic, const RegionPiece& line, const RegionPieces& ofCubic,
+    bool swapped, std::vector<Common>& result) const
+{
+    const KcGeVector2d along = line.end - line.start;
+    const double length = along.length();
+    const KcGeVector2d unit = along / length;
+    for (const double t : onLine(ofCubic.m_cubics[cubic.smooth], line.start, unit, m_tolerance)) {
+        const double s = (ofCubic.at(cubic, t) - line.start).dotProduct(unit) / length;
+        if (s >= 0.0 && s <= 1.0)
+            result.push_back(swapped ? Common{ s, t } : Common{ t, s });
+    }
+}
+
+void RegionPieces::cubicArc(const RegionPiece& cubic, const RegionPiece& arc, const RegionPieces& ofCubic,
+    bool swapped, std::vector<Common>& result) const
+{
+    for (const double t : onCircle(ofCubic.m_cubics[cubic.smooth], arc.center, arc.radius, m_tolerance)) {
+        double s = 0.0;
+        if (isOnArc(arc, ofCubic.at(cubic, t), s))
+            result.push_back(swapped ? Common{ s, t } : Common{ t, s });
+    }
+}
+
+void RegionPieces::cubicCubic(
+    const RegionPiece& a, const RegionPiece& b, const RegionPieces& ofB, std::vector<Common>& result) const
+{
+    const auto near = [&](KcGePoint2d p, KcGePoint2d q) { return p.isEqualTo(q, { m_tolerance, 0 }); };
+    if ((near(a.start, b.start) && near(a.end, b.end)) || (near(a.start, b.end) && near(a.end, b.start))) {
+        // Most pairs like this are copies, for which nothing has to be cut.
+        bool copies = true;
+        for (const double t : { 0.2, 0.5, 0.8 }) {
+            double distance = 0.0;
+            ofB.closest(b, at(a, t), distance);
+            copies = copies && distance <= m_tolerance;
+        }
+        if (copies)
+            return;
+    }
+    for (const CubicCrossing& c : crossings(m_cubics[a.smooth], ofB.m_cubics[b.smooth], m_tolerance))
+        result.push_back({ c.first, c.second });
 }
 
 /// For a point on the circle: whether the arc reaches it, and where. An arc up to half a turn lies to the right of the
@@ -125,19 +182,6 @@ void RegionPieces::arcArc(const RegionPiece& a, const RegionPiece& b, std::vecto
 void RegionPieces::general(
     const RegionPiece& a, const RegionPiece& b, const RegionPieces& ofB, std::vector<Common>& result) const
 {
-    const bool sameEnds = (a.start.isEqualTo(b.start, { m_tolerance, 0 }) && a.end.isEqualTo(b.end, { m_tolerance, 0 }))
-        || (a.start.isEqualTo(b.end, { m_tolerance, 0 }) && a.end.isEqualTo(b.start, { m_tolerance, 0 }));
-    if (sameEnds) {
-        // Most pairs like this are copies, for which nothing has to be cut.
-        bool copies = true;
-        for (const double t : { 0.2, 0.5, 0.8 }) {
-            double distance = 0.0;
-            ofB.closest(b, at(a, t), distance);
-            copies = copies && distance <= m_tolerance;
-        }
-        if (copies)
-            return;
-    }
     KcGeIntersectOptions options;
     options.tolerance = m_tolerance;
     const KcGeIntersections2d found = intersect(segment(a), ofB.segment(b), options);

@@ -8,6 +8,13 @@ namespace kcge {
 
 using Kind = RegionPiece::Kind;
 
+namespace {
+
+// Share of the tolerance by which a curve may differ from a cubic that is taken for it.
+constexpr double kSameCurve = 1e-3;
+
+} // namespace
+
 void RegionPieces::sortAlongCurve()
 {
     std::vector<KcGePoint2d> middles;
@@ -54,15 +61,7 @@ void RegionPieces::addWhole(const KcGeSegment2d& segment, uint32_t source)
         addLocal(segment, source);
         return;
     }
-    RegionPiece piece;
-    piece.kind = Kind::Smooth;
-    piece.start = segment.startPoint();
-    piece.end = segment.endPoint();
-    piece.center = { 0.0, 1.0 };
-    piece.source = source;
-    piece.smooth = uint32_t(m_smooth.size());
-    m_pieces.push_back(piece);
-    m_smooth.push_back(segment);
+    appendSmooth(segment, 0.0, 1.0, source);
 }
 
 void RegionPieces::addArc(const KcGeCircArc2d& arc, KcGePoint2d start, KcGePoint2d end, uint32_t source)
@@ -97,16 +96,29 @@ void RegionPieces::addSmooth(const KcGeSegment2d& segment, uint32_t source)
                 continue;
             }
         }
-        RegionPiece piece;
-        piece.kind = Kind::Smooth;
-        piece.start = part.startPoint();
-        piece.end = part.endPoint();
-        piece.center = { params[i], params[i + 1] };
-        piece.source = source;
-        piece.smooth = uint32_t(m_smooth.size());
-        m_pieces.push_back(piece);
-        m_smooth.push_back(std::move(part));
+        appendSmooth(std::move(part), params[i], params[i + 1], source);
     }
+}
+
+void RegionPieces::appendSmooth(KcGeSegment2d part, double from, double to, uint32_t source)
+{
+    RegionPiece piece;
+    piece.start = part.startPoint();
+    piece.end = part.endPoint();
+    piece.center = { from, to };
+    piece.source = source;
+    piece.smooth = uint32_t(m_smooth.size());
+    const Cubic cubic
+        = Cubic::through(piece.start, part.pointAt(1.0 / 3.0), part.pointAt(2.0 / 3.0), piece.end);
+    // Whatever runs as a cubic is one: most splines do, ellipses and rational splines do not.
+    const double slack = m_tolerance * kSameCurve;
+    const bool isCubic = cubic.at(1.0 / 6.0).distanceTo(part.pointAt(1.0 / 6.0)) <= slack
+        && cubic.at(0.5).distanceTo(part.pointAt(0.5)) <= slack
+        && cubic.at(5.0 / 6.0).distanceTo(part.pointAt(5.0 / 6.0)) <= slack;
+    piece.kind = isCubic ? Kind::Cubic : Kind::Smooth;
+    m_pieces.push_back(piece);
+    m_smooth.push_back(std::move(part));
+    m_cubics.push_back(cubic);
 }
 
 KcGePoint2d RegionPieces::at(const RegionPiece& piece, double t) const
@@ -123,6 +135,8 @@ KcGePoint2d RegionPieces::at(const RegionPiece& piece, double t) const
         return { piece.center.x + piece.radius * std::cos(angle),
                  piece.center.y + piece.radius * std::sin(angle) };
     }
+    case Kind::Cubic:
+        return m_cubics[piece.smooth].at(t);
     case Kind::Smooth:
         break;
     }
@@ -138,6 +152,8 @@ KcGeVector2d RegionPieces::derivative(const RegionPiece& piece, double t) const
         const double angle = piece.startAngle + t * piece.sweep, speed = piece.radius * piece.sweep;
         return { -std::sin(angle) * speed, std::cos(angle) * speed };
     }
+    case Kind::Cubic:
+        return m_cubics[piece.smooth].derivative(t);
     case Kind::Smooth:
         break;
     }
@@ -169,6 +185,15 @@ double RegionPieces::length(const RegionPiece& piece, double from, double to) co
         return piece.start.distanceTo(piece.end) * std::abs(to - from);
     case Kind::Arc:
         return piece.radius * piece.sweep * std::abs(to - from);
+    case Kind::Cubic: {
+        // Only slivers ask: chords of eighths, with the ends' directions, are near enough.
+        const Cubic& cubic = m_cubics[piece.smooth];
+        constexpr int kParts = 8;
+        double length = 0.0;
+        for (int i = 0; i < kParts; ++i)
+            length += cubic.at(from + (to - from) * i / kParts).distanceTo(cubic.at(from + (to - from) * (i + 1) / kParts));
+        return length;
+    }
     case Kind::Smooth:
         break;
     }
@@ -177,6 +202,8 @@ double RegionPieces::length(const RegionPiece& piece, double from, double to) co
 
 double RegionPieces::areaAbout(const RegionPiece& piece, double from, double to, KcGePoint2d about) const
 {
+    if (piece.kind == Kind::Cubic)
+        return m_cubics[piece.smooth].areaAbout(from, to, about);
     if (piece.kind == Kind::Smooth)
         return m_smooth[piece.smooth].between(from, to).areaAbout(about);
     const KcGeVector2d a = at(piece, from) - about, b = at(piece, to) - about;
@@ -238,6 +265,9 @@ double RegionPieces::closest(const RegionPiece& piece, KcGePoint2d point, double
             t = point.distanceTo(piece.start) <= point.distanceTo(piece.end) ? 0.0 : 1.0;
         break;
     }
+    case Kind::Cubic:
+        t = m_cubics[piece.smooth].closest(point);
+        break;
     case Kind::Smooth: {
         const KcGeSegment2d::Nearest nearest = m_smooth[piece.smooth].closest(point);
         distance = nearest.distance;
@@ -255,6 +285,7 @@ KcGeSegment2d RegionPieces::segment(const RegionPiece& piece, double from, doubl
         return KcGeSegment2d::line(at(piece, from), at(piece, to));
     case Kind::Arc:
         return KcGeSegment2d::bulge(at(piece, from), at(piece, to), std::tan(piece.sweep * (to - from) / 4.0));
+    case Kind::Cubic:
     case Kind::Smooth:
         break;
     }

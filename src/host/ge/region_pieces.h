@@ -2,6 +2,7 @@
 // splines that rise or fall steadily in x and in y, so that none crosses itself.
 #pragma once
 
+#include "ge/region_cubic.h"
 #include "ge/region_tolerances.h"
 #include "ge/segment.h"
 
@@ -12,7 +13,8 @@ namespace kcge {
 
 /// One piece; its parameter runs from 0 to 1 (along the angle of arcs, along the segment's own parameter of others).
 struct RegionPiece {
-    enum class Kind : uint8_t { Line, Arc, Smooth };
+    enum class Kind : uint8_t { Line, Arc, Cubic, Smooth };
+    bool isSmooth() const { return kind >= Kind::Cubic; }
     static constexpr uint32_t kNoSource = ~uint32_t(0);
 
     KcGePoint2d start, end;
@@ -20,7 +22,7 @@ struct RegionPiece {
     double radius = 0.0;
     double startAngle = 0.0, sweep = 0.0; ///< of an arc, counter-clockwise: the sweep lies in (0, π]
     uint32_t source = kNoSource; ///< number of the segment it was cut from
-    uint32_t smooth = 0; ///< of a smooth piece
+    uint32_t smooth = 0; ///< of a smooth piece: its place in its collection
     Kind kind = Kind::Line;
 };
 
@@ -73,11 +75,19 @@ public:
 private:
     void addArc(const KcGeCircArc2d& arc, KcGePoint2d start, KcGePoint2d end, uint32_t source);
     void addSmooth(const KcGeSegment2d& segment, uint32_t source);
+    void appendSmooth(KcGeSegment2d part, double from, double to, uint32_t source);
     bool isOnArc(const RegionPiece& arc, KcGePoint2d point, double& t) const;
-    void endsOn(const RegionPiece& a, const RegionPiece& b, bool swapped, std::vector<Common>& result) const;
+    void endsOn(const RegionPiece& a, const RegionPiece& b, const RegionPieces& ofB, bool swapped,
+        std::vector<Common>& result) const;
     void lineLine(const RegionPiece& a, const RegionPiece& b, std::vector<Common>& result) const;
     void lineArc(const RegionPiece& line, const RegionPiece& arc, bool swapped, std::vector<Common>& result) const;
     void arcArc(const RegionPiece& a, const RegionPiece& b, std::vector<Common>& result) const;
+    void cubicLine(const RegionPiece& cubic, const RegionPiece& line, const RegionPieces& ofCubic, bool swapped,
+        std::vector<Common>& result) const;
+    void cubicArc(const RegionPiece& cubic, const RegionPiece& arc, const RegionPieces& ofCubic, bool swapped,
+        std::vector<Common>& result) const;
+    void cubicCubic(
+        const RegionPiece& a, const RegionPiece& b, const RegionPieces& ofB, std::vector<Common>& result) const;
     void general(
         const RegionPiece& a, const RegionPiece& b, const RegionPieces& ofB, std::vector<Common>& result) const;
 
@@ -85,6 +95,7 @@ private:
     double m_tolerance;
     std::vector<RegionPiece> m_pieces;
     std::vector<KcGeSegment2d> m_smooth;
+    std::vector<Cubic> m_cubics; ///< what the smooth ones are, where they are cubics
 };
 
 } // namespace kcge

@@ -230,6 +230,7 @@ std::vector<KcGeSegment2d> KcGeRegionSearch::outline(size_t number) const
         case RegionPiece::Kind::Arc:
             result.push_back(KcGeSegment2d::bulge(start, end, std::tan(piece.sweep * (to - from) / 4.0)));
             break;
+        case RegionPiece::Kind::Cubic:
         case RegionPiece::Kind::Smooth:
             result.push_back(pieces.segment(piece, from, to).translated(out));
             break;
