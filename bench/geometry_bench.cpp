@@ -2,11 +2,11 @@
 // areas of parallels with those of Clipper where it is installed. Prints one line per workload.
 //   geometry_bench [--quick]
 
+#include "best_of_three.h"
 #include "ge/intersect.h"
 #include "ge/offset.h"
 #include "ge/polygon.h"
 
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <random>
@@ -18,18 +18,6 @@
 namespace {
 
 using Chain = std::vector<KcGeSegment2d>;
-
-/// Best of three, in seconds.
-template <class Work> double seconds(Work work)
-{
-    double best = 1e300;
-    for (int round = 0; round < 3; ++round) {
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    }
-    return best;
-}
 
 void report(const char* workload, double time, const char* rest = "")
 {

@@ -2,6 +2,7 @@
 // and handed to nobody. Prints one line per workload.
 //   hatch_bench [--quick]
 
+#include "best_of_three.h"
 #include "db/block_table_record.h"
 #include "db/hatch.h"
 #include "gi/paint/painter_device.h"
@@ -11,23 +12,10 @@
 #include <QImage>
 #include <QPainter>
 
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 
 namespace {
-
-/// Best of three, in seconds.
-template <class Work> double seconds(Work work)
-{
-    double best = 1e300;
-    for (int round = 0; round < 3; ++round) {
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    }
-    return best;
-}
 
 /// Lines at 0°, 45° and 90°, a unit apart, two of them dashed.
 std::vector<KcGeHatchFamily> families()

@@ -10,8 +10,9 @@ namespace {
 constexpr double kClosestLines = 1.0;
 /// A tone darker than this is drawn as a fill.
 constexpr double kFullTone = 0.6;
-/// How many dashes one hatch may have at most, and after how many a path is handed on.
-constexpr size_t kMostSpans = 1'000'000, kSpansOfPath = 4096;
+/// How many dashes one hatch may have at most, and after how many a path is handed on: long ones cost memory that
+/// is taken and given back with every hatch.
+constexpr size_t kMostSpans = 1'000'000, kSpansOfPath = 256;
 
 KcGePoint3d raised(KcGePoint2d p)
 {

@@ -169,6 +169,8 @@ void KcGeFillArea::addLoop(const std::vector<KcGeSegment2d>& loop)
         };
         append(std::move(first));
         while (!joins(end, start)) {
+            while (next < pieces.size() && ends.isUsed(next))
+                ++next;
             const bool follows = next < pieces.size() && !ends.isUsed(next) && ends.touches(next, end);
             const size_t found = follows ? next : ends.at(end);
             if (found >= pieces.size()) {

@@ -79,6 +79,7 @@ public:
     {
         // The ends of pieces, as one point each for the pieces that meet there.
         const size_t n = contour.pieces.size();
+        m_parts.reserve(m_parts.size() + 2 * n);
         std::vector<KcGePoint2d> nodes(n);
         for (size_t i = 0; i < n; ++i)
             nodes[i] = m_frame.in(contour.pieces[i].startPoint());
