@@ -24,28 +24,24 @@ bool canBeSet(double height)
 
 // Single lines.
 
-void KcDbText::drawText(KcGiWorldDraw& draw, const QString& text) const
+void KcDbText::drawText(KcGiWorldDraw& draw, const QString* other) const
 {
-    if (!canBeSet(m_data.height))
+    const Data data = placed(other);
+    if (!canBeSet(data.height))
         return draw.leftOut(QStringLiteral("a text without a height"));
-    const KcGi::TextStyle font = kcdbFontOfStyle(m_data.style, database());
-    const KcGeMatrix3d toWorld = textTransform();
+    const KcGi::TextStyle font = kcdbFontOfStyle(data.style, database());
+    const KcGeMatrix3d toWorld = transformOf(data);
     draw.setContinuous(true);
     double x = 0.0;
-    for (const Run& part : runsOf(text)) {
-        const double width = KcGi::textAdvance(font, part.text, m_data.height, m_data.widthFactor);
+    for (const Run& part : runsOf(data.text)) {
+        const double width = KcGi::textAdvance(font, part.text, data.height, data.widthFactor);
         if (!std::isfinite(width))
             return draw.leftOut(QStringLiteral("a text without a width"));
-        KcGiTextRun run{ part.text,
-                         font,
-                         m_data.height,
-                         toWorld * KcGePoint3d{ x, 0.0, 0.0 },
-                         toWorld.axis(0) * m_data.widthFactor,
-                         toWorld.axis(1) };
-        draw.text(run);
+        draw.text({ part.text, font, data.height, toWorld * KcGePoint3d{ x, 0.0, 0.0 },
+                    toWorld.axis(0) * data.widthFactor, toWorld.axis(1) });
         const auto mark = [&](bool wanted, double share) {
             if (wanted)
-                rule(draw, toWorld, x, share * m_data.height, x + width, share * m_data.height);
+                rule(draw, toWorld, x, share * data.height, x + width, share * data.height);
         };
         mark(part.underlined, kUnderline);
         mark(part.overlined, kOverline);
@@ -56,24 +52,24 @@ void KcDbText::drawText(KcGiWorldDraw& draw, const QString& text) const
 
 void KcDbText::worldDraw(KcGiWorldDraw& draw) const
 {
-    drawText(draw, m_data.text);
+    drawText(draw);
 }
 
 void KcDbAttribute::worldDraw(KcGiWorldDraw& draw) const
 {
     if (!isInvisible())
-        drawText(draw, m_data.text);
+        drawText(draw);
 }
 
 void KcDbAttributeDefinition::worldDraw(KcGiWorldDraw& draw) const
 {
-    drawText(draw, m_attribute.tag);
+    drawText(draw, &m_attribute.tag);
 }
 
 void KcDbAttributeDefinition::drawInReference(KcGiWorldDraw& draw) const
 {
     if (isConstant() && !isInvisible())
-        drawText(draw, m_data.text);
+        drawText(draw);
 }
 
 // Several lines.

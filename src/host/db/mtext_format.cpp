@@ -11,6 +11,24 @@ constexpr double kRadians = kPi / 180.0;
 /// Values outside these are taken for damage and ignored.
 constexpr double kLargestFactor = 1e6, kLargestHeight = 1e12, kSteepestSlant = 85.0;
 
+/// The font of the signs of tolerances, which has them in the place of small letters.
+bool isToleranceFont(const KcGi::TextStyle& style)
+{
+    const QString name = style.font.isEmpty() ? style.typeface : style.font;
+    return name.compare(QLatin1String("gdt"), Qt::CaseInsensitive) == 0
+        || name.compare(QLatin1String("gdt.shx"), Qt::CaseInsensitive) == 0;
+}
+
+QString toleranceSigns(QString text)
+{
+    // From "a": angularity, perpendicularity, flatness, … ; letters without a sign stay.
+    static const QString signs = QStringLiteral("∠⟂⏥⌓○∥⌭h⌯⌖⌒ⓁⓂ⌀oⓅq◎Ⓢ⌰⏤");
+    for (QChar& c : text)
+        if (c >= u'a' && c < QChar(char16_t(u'a' + signs.size())))
+            c = signs[c.unicode() - u'a'];
+    return text.replace(u'h', QChar(0x2197)); // circular runout
+}
+
 class Parser {
 public:
     Parser(const QString& text, const KcDbMTextFormat& base)
@@ -66,7 +84,7 @@ private:
             return;
         for (const KcDbText::Run& part : KcDbText::runsOf(m_pending)) {
             KcDbMTextRun run;
-            run.text = part.text;
+            run.text = isToleranceFont(m_format.font) ? toleranceSigns(part.text) : part.text;
             run.format = m_format;
             run.format.underline = m_format.underline != part.underlined;
             run.format.overline = m_format.overline != part.overlined;

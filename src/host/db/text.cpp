@@ -48,6 +48,40 @@ Directions directionsOf(const KcDbTextData& data)
              x.perpVector() * (data.generation & kUpsideDown ? -1.0 : 1.0) };
 }
 
+/// Puts the start of the text where its justification wants it, and fits it between two points.
+void align(KcDbTextData& data, const KcGi::TextStyle& font, const QString& text)
+{
+    if (!isJustified(data))
+        return;
+    if (isBetweenTwoPoints(data)) {
+        const KcGeVector2d way = data.alignment.plan() - data.position.plan();
+        const double length = way.length();
+        const bool isFit = data.horizontal == kFit;
+        const double natural = isFit ? KcGi::textAdvance(font, text, data.height)
+                                     : KcGi::textAdvance(font, text, 1.0, data.widthFactor);
+        if (!(length > KcGeContext::gTol.equalPoint) || !(natural > 0.0) || !std::isfinite(length))
+            return; // nothing to fit, or nothing to fit it between
+        data.rotation = (way * (data.generation & kBackwards ? -1.0 : 1.0)).angle();
+        (isFit ? data.widthFactor : data.height) = length / natural;
+        return;
+    }
+    const double width = KcGi::textAdvance(font, text, data.height, data.widthFactor);
+    double right = 0.0, up = 0.0;
+    if (data.horizontal == kCentre || data.horizontal == kMiddle)
+        right = width / 2.0;
+    else if (data.horizontal == kRight)
+        right = width;
+    if (data.vertical == kBottom)
+        up = -KcGi::textDescent(font, data.height);
+    else if (data.vertical == kHalfWay || (data.vertical == 0 && data.horizontal == kMiddle))
+        up = data.height / 2.0;
+    else if (data.vertical == kTop)
+        up = data.height;
+    const Directions directions = directionsOf(data);
+    const KcGeVector2d shift = directions.along * -right + directions.up * -up;
+    data.position = data.alignment + KcGeVector3d{ shift.x, shift.y, 0.0 };
+}
+
 /// A character by its hexadecimal code of four digits at the start of a text; nothing when there are none.
 std::optional<uint> hexadecimal(QStringView text)
 {
@@ -223,70 +257,48 @@ KcGePoint3d KcDbText::anchor() const
 
 void KcDbText::adjustAlignment()
 {
-    if (!isJustified(m_data))
-        return;
-    const KcGi::TextStyle font = kcdbFontOfStyle(m_data.style, database());
-    if (isBetweenTwoPoints(m_data)) {
-        const KcGeVector2d way = m_data.alignment.plan() - m_data.position.plan();
-        const double length = way.length();
-        const bool isFit = m_data.horizontal == kFit;
-        const double natural = isFit ? KcGi::textAdvance(font, plainText(), m_data.height)
-                                     : KcGi::textAdvance(font, plainText(), 1.0, m_data.widthFactor);
-        if (!(length > KcGeContext::gTol.equalPoint) || !(natural > 0.0) || !std::isfinite(length))
-            return; // nothing to fit, or nothing to fit it between
-        m_data.rotation = (way * (m_data.generation & kBackwards ? -1.0 : 1.0)).angle();
-        (isFit ? m_data.widthFactor : m_data.height) = length / natural;
-        return;
-    }
-    double right = 0.0, up = 0.0;
-    if (m_data.horizontal == kCentre || m_data.horizontal == kMiddle)
-        right = textWidth() / 2.0;
-    else if (m_data.horizontal == kRight)
-        right = textWidth();
-    if (m_data.vertical == kBottom)
-        up = -KcGi::textDescent(font, m_data.height);
-    else if (m_data.vertical == kHalfWay || (m_data.vertical == 0 && m_data.horizontal == kMiddle))
-        up = m_data.height / 2.0;
-    else if (m_data.vertical == kTop)
-        up = m_data.height;
-    const Directions directions = directionsOf(m_data);
-    const KcGeVector2d shift = directions.along * -right + directions.up * -up;
-    m_data.position = m_data.alignment + KcGeVector3d{ shift.x, shift.y, 0.0 };
+    align(m_data, kcdbFontOfStyle(m_data.style, database()), plainText());
+}
+
+KcDbTextData KcDbText::placed(const QString* other) const
+{
+    KcDbTextData data = m_data;
+    // Files of some programs leave the alignment point out, or hold a start that belongs to another font.
+    const bool hasAlignment = !(m_data.alignment == KcGePoint3d());
+    if (other)
+        data.text = *other;
+    if (hasAlignment && isJustified(m_data))
+        align(data, kcdbFontOfStyle(m_data.style, database()), resolved(data.text));
+    return data;
 }
 
 KcGeMatrix3d KcDbText::textTransform() const
 {
-    const Directions d = directionsOf(m_data);
-    const KcGeVector2d up = d.up + d.along * slantOf(m_data.oblique);
-    return KcGeMatrix3d::planeToWorld(m_data.normal)
-        * KcGeMatrix3d::fromAxes(
-               m_data.position, { d.along.x, d.along.y, 0 }, { up.x, up.y, 0 }, KcGeVector3d::kZAxis);
+    return transformOf(placed());
 }
 
-KcGeExtents3d KcDbText::localBox(const QString* other) const
+KcGeMatrix3d KcDbText::transformOf(const KcDbTextData& data)
 {
-    const QString text = other ? resolved(*other) : plainText();
-    const KcGi::TextExtent size = KcGi::textExtent(
-        kcdbFontOfStyle(m_data.style, database()), text, m_data.height, m_data.widthFactor);
-    KcGeExtents3d box;
-    if (!size.hasInk)
-        return box;
-    kcdbAddPoint(box, { 0.0, size.bottom, 0.0 });
-    kcdbAddPoint(box, { size.advance, size.top, 0.0 });
-    return box;
+    const Directions d = directionsOf(data);
+    const KcGeVector2d up = d.up + d.along * slantOf(data.oblique);
+    return KcGeMatrix3d::planeToWorld(data.normal)
+        * KcGeMatrix3d::fromAxes(
+               data.position, { d.along.x, d.along.y, 0 }, { up.x, up.y, 0 }, KcGeVector3d::kZAxis);
 }
 
 KcGeExtents3d KcDbText::boxUnder(const KcGeMatrix3d& matrix, const QString* other) const
 {
-    const KcGeMatrix3d toWorld = matrix * textTransform();
+    const KcDbTextData data = placed(other);
+    const KcGi::TextExtent size = KcGi::textExtent(
+        kcdbFontOfStyle(data.style, database()), resolved(data.text), data.height, data.widthFactor);
     KcGeExtents3d box;
-    const KcGeExtents3d local = localBox(other);
-    if (local.isEmpty())
+    if (!size.hasInk)
         return box;
-    for (const double x : { local.min.x, local.max.x })
-        for (const double y : { local.min.y, local.max.y })
+    const KcGeMatrix3d toWorld = matrix * transformOf(data);
+    for (const double x : { 0.0, size.advance })
+        for (const double y : { size.bottom, size.top })
             kcdbAddPoint(box, toWorld * KcGePoint3d{ x, y, 0.0 });
-    return kcdbExtruded(box, m_data.thickness, matrix * KcGeMatrix3d::planeToWorld(m_data.normal));
+    return kcdbExtruded(box, data.thickness, matrix * KcGeMatrix3d::planeToWorld(data.normal));
 }
 
 KcGeExtents3d KcDbText::extentsUnder(const KcGeMatrix3d& matrix) const
@@ -299,6 +311,7 @@ Kcad::ErrorStatus KcDbText::transformBy(const KcGeMatrix3d& matrix)
     const auto plane = KcDbPlaneTransform::of(matrix, m_data.normal);
     if (!plane)
         return Kcad::eInvalidInput;
+    m_data = placed(); // what is seen is what is moved
     const Directions old = directionsOf(m_data);
     const KcGeVector2d along = plane->vector(old.along);
     const KcGeVector2d up = plane->vector(old.up + old.along * slantOf(m_data.oblique));
@@ -322,6 +335,11 @@ Kcad::ErrorStatus KcDbText::transformBy(const KcGeMatrix3d& matrix)
         m_data.alignment = plane->point(m_data.alignment);
     m_data.thickness = plane->thickness(m_data.thickness);
     m_data.normal = plane->normal;
+    // Scaled unevenly, a slanted text would be justified elsewhere than where its image lies: the point follows.
+    if (isJustified(m_data) && !isBetweenTwoPoints(m_data))
+        if (const KcGePoint3d again = placed().position;
+            again.distanceTo(m_data.position) > KcGeContext::gTol.equalPoint)
+            m_data.alignment = m_data.alignment + (m_data.position - again);
     return Kcad::eOk;
 }
 

@@ -65,12 +65,16 @@ public:
     /// coordinates: slant, generation flags, rotation and plane of the text.
     KcGeMatrix3d textTransform() const;
 
+    /// The values with which the text is drawn: its start, and what fits it between two points, from the alignment and
+    /// the font that is there, whatever the file holds. Of the given text instead of its own where given.
+    Data placed(const QString* other = nullptr) const;
+
 protected:
-    /// The box of the text as it is set, before `textTransform`; of the given text instead of its own where given.
-    KcGeExtents3d localBox(const QString* other = nullptr) const;
+    static KcGeMatrix3d transformOf(const Data& placed);
+    /// The box of the text as drawn, under a transform.
     KcGeExtents3d boxUnder(const KcGeMatrix3d& matrix, const QString* other = nullptr) const;
     /// Draws the text, or the given one in its place.
-    void drawText(KcGiWorldDraw& draw, const QString& text) const;
+    void drawText(KcGiWorldDraw& draw, const QString* other = nullptr) const;
 };
 
 /// A text of a block reference, filled in from its definition.
