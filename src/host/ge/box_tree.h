@@ -56,11 +56,15 @@ private:
         size_t span = 1;
         for (size_t i = 0; i < level; ++i)
             span *= kFan;
-        for (size_t i = begin; i < end; ++i)
-            if (i * span < query.last && (i + 1) * span > query.first)
-                entries[count++] = { i, distance(m_levels[level][i], query.point) };
-        std::sort(
-            entries, entries + count, [](const Entry& a, const Entry& b) { return a.distance < b.distance; });
+        for (size_t i = begin; i < end; ++i) {
+            if (!(i * span < query.last && (i + 1) * span > query.first))
+                continue;
+            const Entry entry{ i, distance(m_levels[level][i], query.point) };
+            size_t at = count++;
+            for (; at > 0 && entry.distance < entries[at - 1].distance; --at)
+                entries[at] = entries[at - 1];
+            entries[at] = entry;
+        }
         for (size_t i = 0; i < count && entries[i].distance < best; ++i) {
             if (level == 0)
                 visit(entries[i].index, best);

@@ -25,6 +25,9 @@ public:
     /// plane's coordinates to the world's and must keep lengths and handedness.
     static KcGeCurve3d
     single(const KcGeMatrix3d& frame, KcGeSegment2d piece, double startParam, double endParam);
+    /// One piece of a plane as an entity of its kind would have it: turned over where that makes arcs and
+    /// ellipses run counter-clockwise, with the parameters of its kind.
+    static KcGeCurve3d ofPiece(const KcGeMatrix3d& frame, const KcGeSegment2d& piece);
     /// A polyline in a plane, with vertices where pieces meet. A closed one includes the way back to the
     /// start.
     static KcGeCurve3d chain(const KcGeMatrix3d& frame, std::vector<KcGeSegment2d> pieces, bool closed);
@@ -105,13 +108,15 @@ public:
     std::vector<KcGeCurve3d> split(std::vector<double> params) const;
     /// Each piece as a curve of its own.
     std::vector<KcGeCurve3d> exploded() const;
-    /// Uneven scaling turns circles into ellipses; the parameters of lines become lengths of the image.
-    KcGeCurve3d transformed(const KcGeMatrix3d& matrix) const;
     /// Points from start to end whose chords stay within `sagitta` of the curve; empty for lines without
     /// ends.
     std::vector<KcGePoint3d> chords(double sagitta) const;
 
 private:
+    enum class Extent { Bounded, Ray, Line };
     struct Body;
+    KcGeCurve3d between(double from, double to) const;
+    /// Of a closed curve: from one parameter over the start to a smaller one, or the same.
+    KcGeCurve3d overTheStart(double from, double to) const;
     std::shared_ptr<const Body> m_body;
 };

@@ -9,7 +9,7 @@ namespace {
 /// Below this share of its length a piece's derivative tells no direction.
 constexpr double kNoSpeed = 1e-9;
 
-bool finite(KcGePoint2d p)
+bool isFinitePoint(KcGePoint2d p)
 {
     return std::isfinite(p.x) && std::isfinite(p.y);
 }
@@ -154,13 +154,14 @@ std::shared_ptr<const KcGeCarrier3d> KcGeSegment2d::carrier() const
 bool KcGeSegment2d::isFinite() const
 {
     if (const auto* line = std::get_if<Line>(&m_shape))
-        return finite(line->start) && finite(line->end) && std::isfinite(line->start.distanceTo(line->end));
+        return isFinitePoint(line->start) && isFinitePoint(line->end)
+            && std::isfinite(line->start.distanceTo(line->end));
     if (const auto* arc = std::get_if<Arc>(&m_shape))
-        return finite(arc->start) && finite(arc->end) && std::isfinite(arc->circle.radius())
-            && finite(arc->circle.center()) && std::isfinite(arc->circle.sweep());
+        return isFinitePoint(arc->start) && isFinitePoint(arc->end) && std::isfinite(arc->circle.radius())
+            && isFinitePoint(arc->circle.center()) && std::isfinite(arc->circle.sweep());
     const auto& piece = std::get<Piece>(m_shape);
-    return piece.carrier && std::isfinite(piece.from) && std::isfinite(piece.to) && finite(startPoint())
-        && finite(endPoint());
+    return piece.carrier && std::isfinite(piece.from) && std::isfinite(piece.to)
+        && isFinitePoint(startPoint()) && isFinitePoint(endPoint());
 }
 
 bool KcGeSegment2d::isDegenerate(double tolerance) const

@@ -104,7 +104,8 @@ public:
     double areaAbout(KcGePoint2d origin) const;
 
     KcGeSegment2d reversed() const;
-    /// From one parameter to another within [0, 1]; runs backwards when the second is smaller.
+    /// From one parameter to another; runs backwards when the second is smaller. Lines, arcs and ellipses may
+    /// be left on both sides, as far as they remain within one turn.
     KcGeSegment2d between(double from, double to) const;
     /// The pieces between parameters, which need not be in order; those outside (0, 1) are passed over.
     std::vector<KcGeSegment2d> split(std::vector<double> params) const;
