@@ -3,11 +3,9 @@
 #include "core/entity.h"
 
 #include "core/entity_tags.h"
-#include "core/polyline.h"
 #include "db/block_table_record.h"
 #include "db/hatch.h"
 #include "db/leader.h"
-#include "db/plane.h"
 #include "db/polyline.h"
 #include "ed/copy_entity.h"
 #include "ed/documents.h"
@@ -19,54 +17,18 @@ template <class T> const T* as(const KcDbEntity& entity)
     return entity.isKindOf(T::desc()) ? static_cast<const T*>(&entity) : nullptr;
 }
 
-using Ends = std::pair<KcGePoint3d, KcGePoint3d>;
-
-std::optional<Ends> endsOf(const KcDbArc& arc)
+/// The curve of an entity that has two ends: any but a circle. Empty for other entities.
+KcGeCurve3d curveWithEnds(const KcDbEntity& entity)
 {
-    const KcDbArc::Data& d = arc.data();
-    const KcGeEllipArc3d curve = kcdbArcInSpace(
-        KcGeMatrix3d::planeToWorld(d.normal), d.center, d.radius, d.startAngle,
-        sweepBetween(d.startAngle, d.endAngle));
-    return Ends{ curve.startPoint(), curve.endPoint() };
+    const auto* curve = as<KcDbCurve>(entity);
+    return curve && !as<KcDbCircle>(entity) ? curve->curve() : KcGeCurve3d();
 }
 
-std::optional<Ends> endsOf(const KcDbEllipse& ellipse)
+template <class Value> bool give(Value& value, const std::optional<Value>& found)
 {
-    const KcDbEllipse::Data& d = ellipse.data();
-    const KcGeVector3d minor = d.normal.normal().crossProduct(d.majorAxis) * d.radiusRatio;
-    const KcGeEllipArc3d curve{ d.center, d.majorAxis, minor, d.startParam,
-                                sweepBetween(d.startParam, d.endParam) };
-    return Ends{ curve.startPoint(), curve.endPoint() };
-}
-
-std::optional<Ends> endsOf(const std::vector<KcGePoint3d>& vertices, bool closed)
-{
-    if (vertices.empty())
-        return std::nullopt;
-    return Ends{ vertices.front(), closed ? vertices.front() : vertices.back() };
-}
-
-std::optional<Ends> endsOf(const KcDbEntity& entity)
-{
-    if (const auto* line = as<KcDbLine>(entity))
-        return Ends{ line->data().start, line->data().end };
-    if (const auto* arc = as<KcDbArc>(entity))
-        return endsOf(*arc);
-    if (const auto* ellipse = as<KcDbEllipse>(entity))
-        return endsOf(*ellipse);
-    if (const auto* leader = as<KcDbLeader>(entity))
-        return endsOf(leader->data().vertices, false);
-    if (const auto* spline = as<KcDbSpline>(entity)) {
-        const KcGeNurbsCurve3d curve = spline->curve();
-        if (!curve.isValid())
-            return std::nullopt;
-        return Ends{ curve.pointAt(curve.startParam()), curve.pointAt(curve.endParam()) };
-    }
-    if (const auto* polyline = as<KcDbPolyline>(entity))
-        return endsOf(polylineVertices(*polyline), polyline->isClosed());
-    if (const auto* polyline = as<KcDb2dPolyline>(entity); polyline && !polyline->isMesh())
-        return endsOf(polylineVertices(*polyline), polyline->isClosed());
-    return std::nullopt;
+    if (found)
+        value = *found;
+    return found.has_value();
 }
 
 } // namespace
@@ -139,19 +101,28 @@ bool CEntity::SetLineType(const QString& name)
 bool CEntity::GetStartPoint(KcGePoint3d& point) const
 {
     const KcDbRead<KcDbEntity> entity(m_id);
-    const std::optional<Ends> ends = entity ? endsOf(*entity) : std::nullopt;
-    if (ends)
-        point = ends->first;
-    return ends.has_value();
+    return entity && give(point, curveWithEnds(*entity).startPoint());
 }
 
 bool CEntity::GetEndPoint(KcGePoint3d& point) const
 {
     const KcDbRead<KcDbEntity> entity(m_id);
-    const std::optional<Ends> ends = entity ? endsOf(*entity) : std::nullopt;
-    if (ends)
-        point = ends->second;
-    return ends.has_value();
+    return entity && give(point, curveWithEnds(*entity).endPoint());
+}
+
+bool CEntity::GetLength(double& length) const
+{
+    const KcDbRead<KcDbCurve> curve(m_id);
+    return curve && give(length, curve->curve().length());
+}
+
+bool CEntity::GetClosestPoint(KcGePoint3d point, KcGePoint3d& onCurve) const
+{
+    const KcDbRead<KcDbCurve> curve(m_id);
+    const auto found = curve ? curve->curve().closest(point) : std::nullopt;
+    if (found)
+        onCurve = found->point;
+    return found.has_value();
 }
 
 bool CEntity::GetCenter(KcGePoint3d& point) const

@@ -35,10 +35,14 @@ public:
     /// False when the drawing has no such line type.
     bool SetLineType(const QString& name);
 
-    /// World coordinates. Lines, arcs, polylines, leaders, splines with control points; the ends of closed
-    /// curves coincide. False for other kinds, and circles.
+    /// World coordinates. Any curve that has the end asked for; the ends of closed curves coincide. False for other
+    /// kinds, and circles.
     bool GetStartPoint(KcGePoint3d& point) const;
     bool GetEndPoint(KcGePoint3d& point) const;
+    /// Any curve with two ends, circles included.
+    bool GetLength(double& length) const;
+    /// The point of a curve of any kind that lies nearest; world coordinates.
+    bool GetClosestPoint(KcGePoint3d point, KcGePoint3d& onCurve) const;
     /// Circles, arcs and ellipses; world coordinates.
     bool GetCenter(KcGePoint3d& point) const;
     /// Circles and arcs.

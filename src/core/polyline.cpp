@@ -4,18 +4,6 @@
 
 #include "db/polyline.h"
 
-namespace {
-
-// Marks of old-style vertices and polylines.
-constexpr int kSplineFit = 4, kFrameControlPoint = 16;
-
-bool isShown(const KcDb2dPolyline& polyline, const KcDbVertex& vertex)
-{
-    return !((polyline.data().flags & kSplineFit) && (vertex.data().flags & kFrameControlPoint));
-}
-
-} // namespace
-
 std::vector<KcGePoint3d> polylineVertices(const KcDbPolyline& polyline)
 {
     std::vector<KcGePoint3d> points;
@@ -29,11 +17,8 @@ std::vector<KcGePoint3d> polylineVertices(const KcDb2dPolyline& polyline)
 {
     const KcGeMatrix3d toWorld = KcGeMatrix3d::planeToWorld(polyline.data().normal);
     std::vector<KcGePoint3d> points;
-    for (const KcDbObjectId id : polyline.data().vertices) {
-        const KcDbRead<KcDbVertex> vertex(id);
-        if (!vertex || !isShown(polyline, *vertex))
-            continue;
-        const KcGePoint3d p = vertex->data().position;
+    for (const KcDbVertex::Data& vertex : polyline.drawnVertices()) {
+        const KcGePoint3d p = vertex.position;
         points.push_back(polyline.is3d() ? p : toWorld * KcGePoint3d{ p.x, p.y, polyline.data().elevation });
     }
     return points;
@@ -70,6 +55,14 @@ bool CPolyline::IsOnlyLines() const
         if (const KcDbRead<KcDbVertex> vertex(id); vertex && vertex->data().bulge != 0.0)
             return false;
     return true;
+}
+
+std::vector<std::unique_ptr<KcDbCurve>> CPolyline::Explode() const
+{
+    KcDbCurve::Curves pieces;
+    if (const KcDbRead<KcDbCurve> curve(m_id); curve)
+        curve->explode(pieces);
+    return pieces;
 }
 
 std::vector<KcGePoint3d> CPolyline::GetVertices() const

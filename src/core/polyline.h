@@ -16,6 +16,8 @@ public:
     bool GetClosed() const;
     /// True when no segment is an arc.
     bool IsOnlyLines() const;
+    /// The segments as lines and arcs, which belong to no drawing; arcs run counter-clockwise.
+    std::vector<std::unique_ptr<KcDbCurve>> Explode() const;
     /// As `polylineVertices`.
     std::vector<KcGePoint3d> GetVertices() const;
 };

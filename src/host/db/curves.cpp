@@ -6,7 +6,6 @@
 #include "ge/ellipse.h"
 #include "ge/spline.h"
 
-KCRX_DEFINE(KcDbCurve, KcDbEntity, "AcDbCurve")
 KCRX_DEFINE(KcDbLine, KcDbCurve, "AcDbLine")
 KCRX_DEFINE(KcDbCircle, KcDbCurve, "AcDbCircle")
 KCRX_DEFINE(KcDbArc, KcDbCurve, "AcDbArc")
@@ -148,7 +147,7 @@ Kcad::ErrorStatus KcDbEllipse::transformBy(const KcGeMatrix3d& matrix)
 
 // Splines.
 
-KcGeNurbsCurve3d KcDbSpline::curve() const
+KcGeNurbsCurve3d KcDbSpline::nurbs() const
 {
     KcGeNurbsCurve3d curve;
     curve.degree = m_data.degree;
@@ -168,7 +167,7 @@ KcGeNurbsCurve3d KcDbSpline::curve() const
 
 KcGeExtents3d KcDbSpline::extentsUnder(const KcGeMatrix3d& matrix) const
 {
-    const KcGeNurbsCurve3d image = curve().transformed(matrix);
+    const KcGeNurbsCurve3d image = nurbs().transformed(matrix);
     if (image.isValid())
         return image.extents();
     // An incomplete curve draws nothing; its points are what can be shown of it.
@@ -192,7 +191,7 @@ Kcad::ErrorStatus KcDbSpline::transformBy(const KcGeMatrix3d& matrix)
 
 KcGePoint3d KcDbSpline::pointAt(double knot) const
 {
-    const KcGeNurbsCurve3d shape = curve();
+    const KcGeNurbsCurve3d shape = nurbs();
     if (shape.isValid())
         return shape.pointAt(knot);
     if (!m_data.controlPoints.empty())

@@ -1,15 +1,9 @@
 // Simple drawn entities: lines, circles, arcs, ellipses, splines, infinite lines, points, filled triangles and quads.
 #pragma once
 
-#include "db/entity.h"
+#include "db/curve.h"
 #include "db/entity_macros.h"
 #include "ge/spline.h"
-
-/// Base of everything that has a length. Curve questions are answered by geometry of their own.
-class KcDbCurve : public KcDbEntity {
-public:
-    static const KcRxClass* desc();
-};
 
 class KcDbLine : public KcDbCurve {
     KCRX_DECLARE(KcDbLine)
@@ -18,8 +12,11 @@ public:
         KcGePoint3d start, end; ///< world coordinates
         double thickness = 0.0;
         KcGeVector3d normal = KcGeVector3d::kZAxis;
+        friend bool operator==(const Data&, const Data&) = default;
     };
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbLine)
+    Kcad::ErrorStatus reverseCurve() override;
     void worldDraw(KcGiWorldDraw& draw) const override;
     KcDbLine() = default;
     KcDbLine(KcGePoint3d start, KcGePoint3d end) { m_data.start = start, m_data.end = end; }
@@ -33,8 +30,10 @@ public:
         double radius = 0.0;
         double thickness = 0.0;
         KcGeVector3d normal = KcGeVector3d::kZAxis;
+        friend bool operator==(const Data&, const Data&) = default;
     };
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbCircle)
     void worldDraw(KcGiWorldDraw& draw) const override;
     KcDbCircle() = default;
     KcDbCircle(KcGePoint3d center, double radius) { m_data.center = center, m_data.radius = radius; }
@@ -52,8 +51,10 @@ public:
         double startAngle = 0.0, endAngle = 0.0; ///< radians, counter-clockwise from start to end about the normal
         double thickness = 0.0;
         KcGeVector3d normal = KcGeVector3d::kZAxis;
+        friend bool operator==(const Data&, const Data&) = default;
     };
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbArc)
     void worldDraw(KcGiWorldDraw& draw) const override;
     /// World coordinates.
     KcGePoint3d center() const { return KcGeMatrix3d::planeToWorld(m_data.normal) * m_data.center; }
@@ -73,8 +74,11 @@ public:
         double radiusRatio = 1.0; ///< shorter to longer
         double startParam = 0.0, endParam = kTwoPi; ///< eccentric anomalies, radians
         KcGeVector3d normal = KcGeVector3d::kZAxis;
+        friend bool operator==(const Data&, const Data&) = default;
     };
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbEllipse)
+    Kcad::ErrorStatus reverseCurve() override;
     void worldDraw(KcGiWorldDraw& draw) const override;
 };
 
@@ -92,15 +96,18 @@ public:
         std::vector<double> weights; ///< empty: all 1
         std::vector<KcGePoint3d> controlPoints; ///< world coordinates
         std::vector<KcGePoint3d> fitPoints;
+        friend bool operator==(const Data&, const Data&) = default;
     };
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbSpline)
+    Kcad::ErrorStatus reverseCurve() override;
     void worldDraw(KcGiWorldDraw& draw) const override;
     /// The point of the curve at a knot value, by de Boor's algorithm; the first control or fit point when the curve
     /// is incomplete.
     KcGePoint3d pointAt(double knot) const;
     /// The curve in world coordinates: as given by control points, else through the fit points. Not valid
     /// (`isValid`) when neither make a curve.
-    KcGeNurbsCurve3d curve() const;
+    KcGeNurbsCurve3d nurbs() const;
 };
 
 /// A line without ends (XLINE).
@@ -110,8 +117,11 @@ public:
     struct Data {
         KcGePoint3d basePoint; ///< world coordinates
         KcGeVector3d unitDir {1, 0, 0};
+        friend bool operator==(const Data&, const Data&) = default;
     };
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbXline)
+    Kcad::ErrorStatus reverseCurve() override;
     void worldDraw(KcGiWorldDraw& draw) const override;
     void setBasePoint(KcGePoint3d point) { m_data.basePoint = point; }
     void setUnitDir(KcGeVector3d direction) { m_data.unitDir = direction.normal(); }
@@ -123,6 +133,7 @@ class KcDbRay : public KcDbCurve {
 public:
     using Data = KcDbXline::Data;
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbRay)
     void worldDraw(KcGiWorldDraw& draw) const override;
 };
 

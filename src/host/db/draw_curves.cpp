@@ -53,7 +53,7 @@ void KcDbEllipse::worldDraw(KcGiWorldDraw& draw) const
 
 void KcDbSpline::worldDraw(KcGiWorldDraw& draw) const
 {
-    const KcGeNurbsCurve3d spline = curve();
+    const KcGeNurbsCurve3d spline = nurbs();
     if (!spline.isValid())
         return draw.leftOut(QStringLiteral("a spline without a curve"));
     KcGiPath path;

@@ -30,4 +30,8 @@ public:
     void insertVertex(size_t index, KcGePoint3d point);
     /// eInvalidInput when only two vertices are left.
     Kcad::ErrorStatus removeLastVertex();
+
+protected:
+    /// The way over the vertices.
+    KcGeCurve3d makeCurve() const override;
 };

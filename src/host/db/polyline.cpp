@@ -146,24 +146,29 @@ namespace {
 constexpr int kFrameControlPoint = 16, kVertexOfMesh = 64, kFaceRecord = 128;
 constexpr int kSplineFit = 4;
 
-/// True for a vertex that has a place in the drawing: faces of meshes have none, the control points of a
-/// fitted curve are not drawn.
-bool isDrawn(const KcDb2dPolyline::Data& polyline, const KcDbVertex::Data& vertex)
-{
-    if ((vertex.flags & kFaceRecord) && !(vertex.flags & kVertexOfMesh))
-        return false;
-    return !((polyline.flags & kSplineFit) && (vertex.flags & kFrameControlPoint));
-}
-
 } // namespace
 
-KcGeExtents3d KcDb2dPolyline::extentsUnder(const KcGeMatrix3d& matrix) const
+bool KcDb2dPolyline::isDrawn(const KcDbVertex& vertex) const
+{
+    const int flags = vertex.data().flags;
+    if ((flags & kFaceRecord) && !(flags & kVertexOfMesh))
+        return false;
+    return !((m_data.flags & kSplineFit) && (flags & kFrameControlPoint));
+}
+
+std::vector<KcDbVertex::Data> KcDb2dPolyline::drawnVertices() const
 {
     std::vector<KcDbVertex::Data> drawn;
     drawn.reserve(m_data.vertices.size());
     for (const KcDbObjectId id : m_data.vertices)
-        if (KcDbRead<KcDbVertex> vertex(id); vertex && isDrawn(m_data, vertex->data()))
+        if (const KcDbRead<KcDbVertex> vertex(id); vertex && isDrawn(*vertex))
             drawn.push_back(vertex->data());
+    return drawn;
+}
+
+KcGeExtents3d KcDb2dPolyline::extentsUnder(const KcGeMatrix3d& matrix) const
+{
+    const std::vector<KcDbVertex::Data> drawn = drawnVertices();
     KcGeExtents3d box;
     if (is3d() || isMesh()) {
         for (const KcDbVertex::Data& vertex : drawn)

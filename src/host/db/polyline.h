@@ -19,12 +19,15 @@ public:
         double elevation = 0.0;
         double thickness = 0.0;
         KcGeVector3d normal = KcGeVector3d::kZAxis;
+        friend bool operator==(const Data&, const Data&) = default;
     };
     KCDB_ENTITY_DATA
+    KCDB_CURVE(KcDbPolyline)
+    Kcad::ErrorStatus reverseCurve() override;
     void worldDraw(KcGiWorldDraw& draw) const override;
 
     size_t numVerts() const { return m_data.vertices.size(); }
-    bool isClosed() const { return m_data.flags & 1; }
+    bool isClosed() const override { return m_data.flags & 1; }
     void setClosed(bool closed) { m_data.flags = closed ? m_data.flags | 1 : m_data.flags & ~1; }
     KcGePoint2d getPointAt(size_t index) const { return {m_data.vertices[index].x, m_data.vertices[index].y}; }
     /// The vertex in world coordinates.
@@ -76,9 +79,18 @@ public:
         KcDbObjectId sequenceEnd;
     };
     KCDB_ENTITY_DATA
+    Kcad::ErrorStatus reverseCurve() override;
     void worldDraw(KcGiWorldDraw& draw) const override;
     std::vector<KcDbObjectId> subObjects() const override;
     bool is3d() const { return m_data.flags & 8; }
-    bool isClosed() const { return m_data.flags & 1; }
+    bool isClosed() const override { return m_data.flags & 1; }
     bool isMesh() const { return m_data.flags & (16 | 64); }
+
+    /// True for a vertex that has a place in the drawing: faces of meshes have none, and the control points of a
+    /// fitted curve are not drawn.
+    bool isDrawn(const KcDbVertex& vertex) const;
+    std::vector<KcDbVertex::Data> drawnVertices() const;
+
+protected:
+    KcGeCurve3d makeCurve() const override;
 };

@@ -33,6 +33,8 @@ QString Kcad::errorStatusText(ErrorStatus status)
         return QStringLiteral("the object would contain itself");
     case eWrongDatabase:
         return QStringLiteral("the object belongs to another drawing");
+    case eDegenerateGeometry:
+        return QStringLiteral("the object has no usable shape");
     }
     return QStringLiteral("unknown error");
 }

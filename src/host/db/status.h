@@ -20,6 +20,7 @@ enum ErrorStatus {
     eLockViolation,
     eSelfReference,
     eWrongDatabase,
+    eDegenerateGeometry,
 };
 
 /// One plain phrase for a status, such as "the object was erased".

@@ -385,6 +385,11 @@ bool KcGeCurve3d::isClosed() const
     return m_body && m_body->isClosed;
 }
 
+bool KcGeCurve3d::isPolyline() const
+{
+    return m_body && m_body->isChain;
+}
+
 bool KcGeCurve3d::isPlanar() const
 {
     return m_body && m_body->isPlanar;

@@ -45,6 +45,8 @@ public:
     /// A polyline: when it was made so; any other curve: when its ends lie within the tolerance and it is no
     /// speck.
     bool isClosed() const;
+    /// True for chains and polylines in space, of one piece too.
+    bool isPolyline() const;
     /// True for lines too; they lie in many planes.
     bool isPlanar() const;
     /// From the coordinates of the curve's plane to the world's; of a curve that is level, the plane's are
@@ -106,7 +108,8 @@ public:
     /// more. Parameters that coincide within the point tolerance count once, those at an open curve's ends
     /// not at all.
     std::vector<KcGeCurve3d> split(std::vector<double> params) const;
-    /// Each piece as a curve of its own.
+    /// Each piece as a curve of its own, arcs and ellipses counter-clockwise about this curve's normal,
+    /// whichever way they ran.
     std::vector<KcGeCurve3d> exploded() const;
     /// Points from start to end whose chords stay within `sagitta` of the curve; empty for lines without
     /// ends.

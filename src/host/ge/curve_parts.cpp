@@ -177,7 +177,12 @@ std::vector<KcGeCurve3d> KcGeCurve3d::exploded() const
     else if (m_body->carrier)
         result.push_back(*this);
     else
-        for (const KcGeSegment2d& piece : m_body->pieces)
-            result.push_back(ofPiece(m_body->frame, piece));
+        for (const KcGeSegment2d& piece : m_body->pieces) {
+            const auto ellipse = piece.asEllipse();
+            const bool clockwise = piece.isArc()
+                ? piece.asArc()->isClockwise()
+                : ellipse && ellipse->u.crossProduct(ellipse->v).z * ellipse->sweep < 0.0;
+            result.push_back(ofPiece(m_body->frame, clockwise ? piece.reversed() : piece));
+        }
     return result;
 }
