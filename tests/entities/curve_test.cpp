@@ -1,6 +1,7 @@
 // Curve operations of the entities: points of each entity's own formula, states of damaged ones, and entities
 // made of parts of others.
 
+#include "db/block_table_record.h"
 #include "db/curves.h"
 #include "db/database.h"
 #include "db/polyline.h"
@@ -282,7 +283,7 @@ TEST(CurveEntity, OldPolylinesRunOverTheirVertices)
     const auto build = [](KcDbDatabase& database, int flags, const std::vector<Vertex>& vertices) {
         KcDbObjectId id;
         {
-            KcDbWrite<KcDbBlockTableRecord> space(database.modelSpace());
+            const KcDbRead<KcDbBlockTableRecord> space(database.modelSpace());
             id = space->appendEntity(std::make_unique<KcDb2dPolyline>());
         }
         KcDbWrite<KcDb2dPolyline> polyline(id);

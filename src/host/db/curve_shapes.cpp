@@ -299,7 +299,11 @@ Kcad::ErrorStatus KcDbSpline::reverseCurve()
     } else if (m_data.fitPoints.empty()) {
         return Kcad::eDegenerateGeometry;
     }
-    std::reverse(m_data.fitPoints.begin(), m_data.fitPoints.end());
+    std::vector<KcGePoint3d>& fit = m_data.fitPoints;
+    constexpr int kClosed = 1;
+    // A closed one that does not repeat its start keeps it in the first place.
+    const bool keepsFirst = (m_data.flags & kClosed) && !fit.empty() && fit.front() != fit.back();
+    std::reverse(fit.begin() + (keepsFirst ? 1 : 0), fit.end());
     std::swap(m_data.hasStartTangent, m_data.hasEndTangent);
     std::swap(m_data.startTangent, m_data.endTangent);
     m_data.startTangent = -m_data.startTangent;
@@ -309,20 +313,20 @@ Kcad::ErrorStatus KcDbSpline::reverseCurve()
 
 namespace {
 
-/// Bulges and widths belong to the way from their vertex to the next: after the vertices were put in reverse
-/// order they are one place off, and seen from the other side.
-template <class Vertex> void turnWays(std::vector<Vertex*>& vertices)
+/// Puts vertices in reverse order, those of a closed polyline behind the first. Bulges and widths belong to
+/// the way from their vertex to the next: they are one place off then, and seen from the other side.
+template <class Vertex> void turnRound(std::vector<Vertex>& vertices, bool closed)
 {
     const size_t n = vertices.size();
     if (n == 0)
         return;
-    const Vertex first = *vertices[0];
+    std::reverse(vertices.begin() + (closed ? 1 : 0), vertices.end());
+    const Vertex first = vertices[0];
     for (size_t i = 0; i < n; ++i) {
-        const Vertex& from = i + 1 < n ? *vertices[i + 1] : first;
-        vertices[i]->bulge = -from.bulge;
-        const double width = from.startWidth;
-        vertices[i]->startWidth = from.endWidth;
-        vertices[i]->endWidth = width;
+        const Vertex from = i + 1 < n ? vertices[i + 1] : first;
+        vertices[i].bulge = -from.bulge;
+        vertices[i].startWidth = from.endWidth;
+        vertices[i].endWidth = from.startWidth;
     }
 }
 
@@ -330,11 +334,7 @@ template <class Vertex> void turnWays(std::vector<Vertex*>& vertices)
 
 Kcad::ErrorStatus KcDbPolyline::reverseCurve()
 {
-    std::reverse(m_data.vertices.begin(), m_data.vertices.end());
-    std::vector<Vertex*> vertices;
-    for (Vertex& vertex : m_data.vertices)
-        vertices.push_back(&vertex);
-    turnWays(vertices);
+    turnRound(m_data.vertices, isClosed());
     return Kcad::eOk;
 }
 
@@ -342,20 +342,19 @@ Kcad::ErrorStatus KcDb2dPolyline::reverseCurve()
 {
     if (isMesh())
         return Kcad::eNotApplicable;
-    std::reverse(m_data.vertices.begin(), m_data.vertices.end());
-    std::vector<KcDbVertex::Data> values;
-    std::vector<KcDbObjectId> ids;
-    for (const KcDbObjectId id : m_data.vertices)
-        if (const KcDbRead<KcDbVertex> vertex(id); vertex && isDrawn(*vertex)) {
-            values.push_back(vertex->data());
-            ids.push_back(id);
-        }
-    std::vector<KcDbVertex::Data*> vertices;
-    for (KcDbVertex::Data& value : values)
-        vertices.push_back(&value);
-    turnWays(vertices);
-    for (size_t i = 0; i < ids.size(); ++i)
-        KcDbWrite<KcDbVertex>(ids[i])->data() = values[i];
+    // Vertices of the curve and of the frame that it was fitted to are each turned round among themselves.
+    for (const bool drawn : { true, false }) {
+        std::vector<KcDbObjectId> ids;
+        std::vector<KcDbVertex::Data> values;
+        for (const KcDbObjectId id : m_data.vertices)
+            if (const KcDbRead<KcDbVertex> vertex(id); vertex && isDrawn(*vertex) == drawn) {
+                ids.push_back(id);
+                values.push_back(vertex->data());
+            }
+        turnRound(values, isClosed());
+        for (size_t i = 0; i < ids.size(); ++i)
+            KcDbWrite<KcDbVertex>(ids[i])->data() = values[i];
+    }
     std::swap(m_data.startWidth, m_data.endWidth);
     return Kcad::eOk;
 }

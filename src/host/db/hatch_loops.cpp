@@ -110,7 +110,7 @@ std::optional<Loop> loopOf(const KcDbEntity& entity, const KcGeMatrix3d& toHatch
         image.center.z = image.u.z = image.v.z = 0.0;
         loop.edges.push_back(kcdbEllipseEdge(image));
     } else if (const auto* spline = as<KcDbSpline>(entity)) {
-        const KcGeNurbsCurve3d curve = spline->curve();
+        const KcGeNurbsCurve3d curve = spline->nurbs();
         if (!curve.isValid())
             return std::nullopt;
         loop.edges.push_back(splineEdge(curve.transformed(toHatch)));

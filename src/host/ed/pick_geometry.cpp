@@ -15,7 +15,8 @@
 namespace {
 
 constexpr int kMostChords = 1000;
-constexpr int kChordsOfSplineSpan = 16;
+// Chords of splines leave them by up to this share of their size, however small the tolerance.
+constexpr double kFinestShare = 1e6;
 // A line without ends is drawn this far, in drawing units: beyond any plan, and still exact to a ten
 // thousandth.
 constexpr double kEndless = 1e11;
@@ -174,23 +175,21 @@ KcEdPickPieces hatchPieces(const KcDbHatch& hatch, double tolerance)
     return pieces;
 }
 
-KcEdPickPiece splinePiece(const KcDbSpline& spline)
+KcEdPickPiece splinePiece(const KcDbSpline& spline, double tolerance)
 {
     const auto& d = spline.data();
+    const KcGeNurbsCurve3d curve = spline.nurbs();
     KcEdPickPiece piece;
-    const size_t degree = size_t(std::max(d.degree, 1));
-    if (d.controlPoints.size() <= degree || d.knots.size() < d.controlPoints.size() + degree + 1) {
+    // Of an incomplete curve its points are what there is to pick.
+    if (!curve.isValid()) {
         for (const KcGePoint3d p : d.controlPoints.empty() ? d.fitPoints : d.controlPoints)
             piece.points.push_back(p.plan());
         return piece;
     }
-    for (size_t i = degree; i < d.controlPoints.size(); ++i) {
-        if (!(d.knots[i] < d.knots[i + 1]))
-            continue;
-        for (int k = piece.points.empty() ? 0 : 1; k <= kChordsOfSplineSpan; ++k)
-            piece.points.push_back(
-                spline.pointAt(d.knots[i] + (d.knots[i + 1] - d.knots[i]) * k / kChordsOfSplineSpan).plan());
-    }
+    const KcGeExtents3d box = curve.extents();
+    const double size = std::max(box.width(), box.height());
+    for (const KcGePoint3d p : curve.chords(std::max(tolerance, size / kFinestShare)))
+        piece.points.push_back(p.plan());
     return piece;
 }
 
@@ -307,7 +306,7 @@ KcEdPickPieces KcEdPickGeometry::pieces(const KcDbEntity& entity)
         return { piece };
     }
     if (const auto* spline = as<KcDbSpline>(entity))
-        return { splinePiece(*spline) };
+        return { splinePiece(*spline, m_tolerance) };
     if (const auto* xline = as<KcDbXline>(entity))
         return { { { (xline->data().basePoint - xline->data().unitDir * kEndless).plan(),
                      (xline->data().basePoint + xline->data().unitDir * kEndless).plan() },
