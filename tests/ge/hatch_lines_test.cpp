@@ -176,6 +176,18 @@ TEST(FillArea, AreaByStyleUnderMoves)
         }
 }
 
+// As many islands as a scanned plan has specks: none is compared with all the others.
+TEST(FillArea, ManyIslands)
+{
+    Loops loops{ box(0, 0, 600, 600) };
+    for (int i = 0; i < 200; ++i)
+        for (int j = 0; j < 200; ++j)
+            loops.push_back(box(1 + i * 2.5, 1 + j * 2.5, 1, 1));
+    const KcGeFillArea area(loops);
+    EXPECT_NEAR(area.area(KcGeHatchStyle::Normal), 360000 - 40000, 1e-6);
+    EXPECT_NEAR(area.area(KcGeHatchStyle::Ignore), 360000, 1e-6);
+}
+
 TEST(FillArea, WhatIsBrokenIsToldAndStillFilled)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <unordered_map>
 
 namespace {
@@ -204,9 +205,20 @@ void KcGeFillArea::nest()
     std::stable_sort(m_contours.begin(), m_contours.end(), [](const Contour& a, const Contour& b) {
         return a.area > b.area;
     });
-    for (size_t i = 0; i < m_contours.size(); ++i)
-        for (size_t j = 0; j < i; ++j)
-            m_contours[i].depth += liesInside(m_contours[i], m_contours[j]) ? 1 : 0;
+    // From left to right, only outlines that are not over yet can hold the next one or lie in it.
+    std::vector<size_t> order(m_contours.size()), active;
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        return m_contours[a].box.min.x < m_contours[b].box.min.x;
+    });
+    for (const size_t i : order) {
+        std::erase_if(active, [&](size_t j) { return m_contours[j].box.max.x < m_contours[i].box.min.x; });
+        for (const size_t j : active) {
+            Contour& inner = m_contours[std::max(i, j)];
+            inner.depth += liesInside(inner, m_contours[std::min(i, j)]) ? 1 : 0;
+        }
+        active.push_back(i);
+    }
 }
 
 std::vector<const KcGeFillArea::Contour*> KcGeFillArea::bounding(KcGeHatchStyle style) const
