@@ -233,7 +233,8 @@ void KcDbHatchPatterns::load()
     QStringList folders{ root + QStringLiteral("/Sys"), root + QStringLiteral("/Sys/Pattern") };
     // A root that was made before the host had patterns of its own goes on with those that are shipped.
     if (!QFileInfo::exists(platform::findPath(root + QStringLiteral("/Sys/") + QLatin1String(kMillimetreFile))))
-        folders.append(platform::shippedRoot() + QStringLiteral("/Sys"));
+        folders += { platform::shippedRoot() + QStringLiteral("/Sys"),
+                     platform::shippedRoot() + QStringLiteral("/Sys/Pattern") };
     folders += m_folders;
     QSet<QString> seen;
     for (const QString& folder : folders) {
