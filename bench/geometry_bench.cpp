@@ -122,11 +122,14 @@ void checkAgainstClipper(int wanted)
         const int vertices = 3 + int(random(0, 30));
         std::vector<KcGeBulgeVertex2d> outline;
         const double wave = random(0.05, 0.8), bow = random(0.0, 1.4);
+        const bool waist = random(0, 1) < 0.4;
         for (int i = 0; i < vertices; ++i) {
             const double radius = 50.0 * (1.0 - wave * random(0, 1));
-            outline.push_back({ KcGePoint2d{ 0, 0 }
-                                    + KcGeVector2d{ radius, 0 }.rotateBy((i + random(-0.4, 0.4)) * kTwoPi / vertices),
-                                random(0, 1) < 0.6 ? random(-bow, bow) : 0.0 });
+            KcGeVector2d v
+                = KcGeVector2d{ radius, 0 }.rotateBy((i + random(-0.4, 0.4)) * kTwoPi / vertices);
+            if (waist) // a narrow middle, at which the parallel falls apart
+                v.y *= 0.1 + std::abs(v.x) / 50.0;
+            outline.push_back({ { v.x, v.y }, random(0, 1) < 0.6 ? random(-bow, bow) : 0.0 });
         }
         const Chain chain = segmentsOfVertices(outline, true);
         if (!selfIntersections(chain, true).isEmpty() || outlineArea(chain) <= 0.0)

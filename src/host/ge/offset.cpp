@@ -76,6 +76,7 @@ public:
         , m_distance(std::abs(left))
         , m_corners(corners)
         , m_tree(treeOf(m_chain))
+        , m_simple(closed && selfIntersections(m_chain, true, kPoint).isEmpty())
     {
     }
 
@@ -85,7 +86,7 @@ public:
         m_kiteTree = kiteTree();
         raws = withoutNearParts(raws);
         std::vector<KcGeSegment2d> cutters = raws;
-        if (!m_closed || !selfIntersections(m_chain, true, kPoint).isEmpty()) {
+        if (!m_simple) {
             // Parts of this side that reach over to the other one end where that one's parallel begins.
             const std::vector<KcGeSegment2d> others
                 = withoutNearParts(rawPieces(-m_left, KcGeOffsetCorner::Round));
@@ -190,7 +191,7 @@ private:
         if (!tip)
             return false;
         const KcGeSegment2d out = stretchedTo(before, 1.0, tip->first), back = stretchedTo(after, tip->second, 0.0);
-        // A tip that reaches over another part of the chain would come out on its far side.
+        // A tip that reaches over another part of the chain may come out on its far side.
         KcGeExtents3d box = boxOf(out, kPoint);
         box.addExtents(boxOf(back, kPoint));
         box.addPoint({ vertex.x, vertex.y, 0.0 });
@@ -199,8 +200,10 @@ private:
             if (j != i && j != next)
                 blocked = blocked || !intersect(m_chain[j], out).isEmpty() || !intersect(m_chain[j], back).isEmpty();
         });
-        if (blocked)
+        if (blocked && !m_simple)
             return false;
+        if (blocked)
+            m_crossingTips.push_back(box);
         m_kites.push_back({ KcGeSegment2d::line(vertex, out.startPoint()), out, back,
                             KcGeSegment2d::line(back.endPoint(), vertex) });
         m_kiteBoxes.push_back(box);
@@ -220,6 +223,18 @@ private:
             inside = inside || relationToOutline(m_kites[k], p) == KcGePointRelation::Inside;
         });
         return inside;
+    }
+
+    /// True when a point near a tip that reaches over the chain lies on the side that the parallel is on.
+    bool isOnFarSide(KcGePoint2d p) const
+    {
+        const bool nearTip = std::any_of(
+            m_crossingTips.begin(), m_crossingTips.end(),
+            [p](const KcGeExtents3d& box) { return box.containsInPlan(KcGePoint3d{ p.x, p.y, 0.0 }); });
+        if (!nearTip)
+            return false;
+        const bool leftIsInside = outlineArea(m_chain) > 0.0;
+        return (relationToOutline(m_chain, p) == KcGePointRelation::Inside) != (leftIsInside == (m_left > 0.0));
     }
 
     /// Takes out what cannot be far enough from the chain: a point's distance changes by no more than the
@@ -293,7 +308,8 @@ private:
             double from = 0.0;
             const auto add = [&](double to) {
                 const KcGePoint2d middle = raw.pointAt((from + to) / 2.0);
-                if (distanceBelow(middle, m_distance) >= m_distance - kNearer && !isInCorner(middle))
+                if (distanceBelow(middle, m_distance) >= m_distance - kNearer && !isInCorner(middle)
+                    && !isOnFarSide(middle))
                     m_slices.push_back(
                         { from == 0.0 && to == 1.0 ? raw : raw.between(from, to), k, from, to, false });
             };
@@ -446,6 +462,12 @@ private:
         }
         for (Run& run : runs)
             addPiece(chain, std::move(run.piece));
+        if (closed && chain.pieces.size() > 2) {
+            // The seam may lie within a piece.
+            KcGeSegment2d first = std::move(chain.pieces.front());
+            chain.pieces.erase(chain.pieces.begin());
+            addPiece(chain, std::move(first));
+        }
         if (isWorthKeeping(chain))
             result.push_back(std::move(chain));
     }
@@ -508,8 +530,10 @@ private:
     double m_left, m_distance;
     KcGeOffsetCorner m_corners;
     KcGeBoxTree m_tree;
+    bool m_simple; ///< closed and nowhere in touch with itself: it has an inside
     std::vector<std::vector<KcGeSegment2d>> m_kites; ///< what extended corners add to the neighbourhood
     std::vector<KcGeExtents3d> m_kiteBoxes;
+    std::vector<KcGeExtents3d> m_crossingTips; ///< boxes of those that reach over the chain
     KcGeBoxTree m_kiteTree;
     std::vector<Slice> m_slices;
 };
@@ -549,6 +573,9 @@ std::optional<std::vector<KcGeChain2d>> offsetChain(
     }
     if (near.empty())
         return std::vector<KcGeChain2d>{};
+    if (const KcGePoint2d end = near.back().endPoint(), start = near.front().startPoint();
+        closed && !end.isEqualTo(start))
+        near.push_back(KcGeSegment2d::line(end, start));
     std::vector<KcGeChain2d> result;
     if (std::abs(distance) <= kPoint)
         result.push_back({ std::move(near), closed });
