@@ -2,9 +2,9 @@
 // a polyline of arcs and on a spline. Prints one line per workload.
 //   curves_bench [--quick]
 
+#include "best_of_three.h"
 #include "db/polyline.h"
 
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <random>
@@ -56,18 +56,14 @@ KcGeCurve3d splineOf(int spans, bool rational)
     return KcGeCurve3d::spline(std::move(curve));
 }
 
-/// Best of three, in seconds for one of `count` calls.
+/// For one of `count` calls.
 template <class Work> double secondsEach(int count, Work work)
 {
-    double best = 1e300;
-    for (int round = 0; round < 3; ++round) {
-        const auto start = std::chrono::steady_clock::now();
-        for (int i = 0; i < count; ++i)
-            work();
-        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-        best = std::min(best, time.count() / count);
-    }
-    return best;
+    return seconds([&] {
+               for (int i = 0; i < count; ++i)
+                   work();
+           })
+        / count;
 }
 
 double checksum = 0.0;

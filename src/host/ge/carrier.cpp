@@ -32,11 +32,22 @@ bool isFinite(KcGeVector3d v)
 double KcGeCarrier3d::quadrature(double low, double high) const
 {
     const double middle = low + (high - low) / 2.0, half = (high - low) / 2.0;
+    double params[kRulePoints], speeds[kRulePoints];
+    for (int i = 0; i < kRulePoints / 2; ++i) {
+        params[2 * i] = middle - half * kNodes[i];
+        params[2 * i + 1] = middle + half * kNodes[i];
+    }
+    speedsAt(params, speeds);
     double sum = 0.0;
-    for (int i = 0; i < 4; ++i)
-        sum += kWeights[i]
-            * (firstAt(middle - half * kNodes[i]).length() + firstAt(middle + half * kNodes[i]).length());
+    for (int i = 0; i < kRulePoints; ++i)
+        sum += kWeights[i / 2] * speeds[i];
     return sum * half;
+}
+
+void KcGeCarrier3d::speedsAt(const double (&params)[kRulePoints], double (&speeds)[kRulePoints]) const
+{
+    for (int i = 0; i < kRulePoints; ++i)
+        speeds[i] = firstAt(params[i]).length();
 }
 
 void KcGeCarrier3d::addLeaves(
@@ -93,6 +104,10 @@ KcGeCarrier3d::Place KcGeCarrier3d::placeOf(double u) const
 {
     const std::vector<Leaf>& leaves = table().leaves;
     Place place;
+    if (u == m_breaks.front()) { // exact: what most questions are counted from
+        place.param = u;
+        return place;
+    }
     if (period() > 0.0) {
         place.turns = std::floor((u - m_breaks.front()) / period());
         u -= place.turns * period();
@@ -193,9 +208,14 @@ double KcGeCarrier3d::paramInLeaf(size_t index, double low, double high, double 
     constexpr int kMostSteps = 100; // halvings alone come to an end sooner
     for (int i = 0; i < kMostSteps; ++i) {
         const double error = quadrature(low, u) - wanted;
-        const double newton = u - error / firstAt(u).length();
-        // Steps double the number of right digits: what the last one leaves is beyond what doubles can tell.
-        constexpr double kNearlyThere = 1e-8;
+        // Halley's step: of third order, for the derivative of the speed costs next to nothing.
+        const Jet jet = at(u);
+        const double speed = jet.first.length();
+        const double step = -error / speed;
+        const double bend = jet.first.dotProduct(jet.second) / (speed * speed);
+        const double newton = u + step / (1.0 + bend * step / 2.0);
+        // What the last step leaves is its cube.
+        constexpr double kNearlyThere = 1e-4;
         if (std::abs(error) <= kNearlyThere * span)
             return newton >= low && newton <= high ? newton : u;
         (error < 0.0 ? below : beyond) = u;
@@ -396,6 +416,29 @@ public:
         const Weighted at = between(d[0], d[1], t);
         return (first - at.point().asVector() * ((d[1].w - d[0].w) * g)) / at.w;
     }
+    /// All in one span, which is looked up once.
+    void speedsAt(const double (&params)[kRulePoints], double (&speeds)[kRulePoints]) const override
+    {
+        if (m_rational)
+            return KcGeCarrier3d::speedsAt(params, speeds);
+        const int p = m_curve.degree;
+        const size_t span = spanOf(params[0]);
+        const double low = m_breaks[span], width = m_breaks[span + 1] - low, factor = p / width;
+        const Weighted* points = m_points.data() + span * size_t(p + 1);
+        KcGeVector3d slopes[kMost];
+        for (int i = 0; i < p; ++i)
+            slopes[i] = { points[i + 1].x - points[i].x, points[i + 1].y - points[i].y,
+                          points[i + 1].z - points[i].z };
+        for (int k = 0; k < kRulePoints; ++k) {
+            const double t = (params[k] - low) / width;
+            KcGeVector3d d[kMost];
+            std::copy_n(slopes, p, d);
+            for (int r = p - 1; r > 0; --r)
+                for (int i = 0; i < r; ++i)
+                    d[i] = d[i] + (d[i + 1] - d[i]) * t;
+            speeds[k] = std::sqrt(d[0].dotProduct(d[0])) * factor;
+        }
+    }
     const KcGeNurbsCurve3d* asSpline() const override { return &m_curve; }
     KcGeExtents3d extents(double low, double high) const override
     {
@@ -428,12 +471,15 @@ private:
     {
         return { a.x + t * (b.x - a.x), a.y + t * (b.y - a.y), a.z + t * (b.z - a.z), a.w + t * (b.w - a.w) };
     }
+    size_t spanOf(double u) const
+    {
+        return size_t(std::upper_bound(m_breaks.begin() + 1, m_breaks.end() - 1, u) - m_breaks.begin()) - 1;
+    }
     /// De Casteljau's algorithm down to a polynomial of degree `left`. Gives the curve's degree, and the
     /// place in its span.
     int reduce(double u, Weighted* d, int left, double& t, double& width) const
     {
-        const size_t span
-            = size_t(std::upper_bound(m_breaks.begin() + 1, m_breaks.end() - 1, u) - m_breaks.begin()) - 1;
+        const size_t span = spanOf(u);
         width = m_breaks[span + 1] - m_breaks[span];
         t = std::clamp((u - m_breaks[span]) / width, 0.0, 1.0);
         const int p = m_curve.degree;

@@ -59,6 +59,10 @@ public:
 
 protected:
     KcGeCarrier3d() = default;
+    /// Points of the rule of quadrature.
+    static constexpr int kRulePoints = 8;
+    /// The lengths of the derivative at parameters of one stretch.
+    virtual void speedsAt(const double (&params)[kRulePoints], double (&speeds)[kRulePoints]) const;
     std::vector<double> m_breaks;
 
 private:

@@ -3,6 +3,11 @@
 
 #include "ge/curve.h"
 
+inline bool isFinitePoint(KcGePoint3d p)
+{
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
 /// Pieces of a plane; or the vertices of a polyline in space, a closed one's first repeated; or a spline in
 /// space.
 struct KcGeCurve3d::Body {
