@@ -42,7 +42,7 @@ def draw(doc):
 
     bed = [(78, 6), (118, 4), (126, 18), (112, 31), (84, 28)]
     space.add_lwpolyline(bed, close=True, dxfattribs={"layer": "地被"})
-    hatch = space.add_hatch(dxfattribs={"layer": "地被"})
+    hatch = space.add_hatch(color=256, dxfattribs={"layer": "地被"})
     hatch.set_pattern_fill("ANSI31", scale=1.2)
     hatch.paths.add_polyline_path(bed, is_closed=True)
     leader([(104, 18), (110, 40), (142, 40)], "维德-地被标注")

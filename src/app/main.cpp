@@ -4,6 +4,7 @@
 
 #include "ed/console.h"
 #include "platform/app_root.h"
+#include "widgets/theme.h"
 
 #include <QApplication>
 
@@ -88,5 +89,6 @@ int main(int argc, char** argv)
     qInstallMessageHandler(passOn);
     QApplication application(argc, argv);
     application.setApplicationName(QStringLiteral("verdelis"));
+    kcuiSetTheme(kcuiThemeOfEnvironment());
     return runSubCommand(application.arguments().mid(1));
 }
