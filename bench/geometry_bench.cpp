@@ -95,11 +95,11 @@ double clipperArea(const Chain& chain, double distance, int& count)
     constexpr double kScale = 1e6; // outlines are about 100 units wide
     Path path;
     for (const KcGeSegment2d& piece : chain) {
-        const auto points = piece.chords(1e-3);
+        const auto points = piece.chords(2e-4);
         for (size_t i = 0; i + 1 < points.size(); ++i)
             path.push_back({ cInt(std::llround(points[i].x * kScale)), cInt(std::llround(points[i].y * kScale)) });
     }
-    ClipperOffset offset(2.0, 1e-3 * kScale);
+    ClipperOffset offset(2.0, 2e-4 * kScale);
     offset.AddPath(path, jtRound, etClosedPolygon);
     Paths result;
     offset.Execute(result, distance * kScale);

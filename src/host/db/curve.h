@@ -57,6 +57,12 @@ public:
     Kcad::ErrorStatus getSplitCurves(const std::vector<KcGePoint3d>& points, Curves& parts) const;
     /// The pieces of a polyline as lines and arcs. eNotApplicable for other kinds.
     Kcad::ErrorStatus explode(Curves& pieces) const;
+    /// The parallels at a signed distance, seen against the curve's normal (`offsetCurve`): negative distances
+    /// lead to the left of the curve's direction, so that positive ones make arcs and circles larger; of a
+    /// line, with or without ends, negative ones lead to the right. There may be several parallels, or none,
+    /// which is no failure. eNotApplicable for curves of no plane, eInvalidInput when the distance is no finite
+    /// number.
+    Kcad::ErrorStatus getOffsetCurves(double distance, Curves& curves) const;
     /// The same points from end to start. eNotApplicable for circles, arcs and rays, which have one direction
     /// only.
     virtual Kcad::ErrorStatus reverseCurve() { return Kcad::eNotApplicable; }

@@ -17,6 +17,9 @@ struct KcCmColor {
 
 class KcGiWorldDraw;
 
+/// Which of two curves go on beyond their ends when their common points are looked for.
+enum class KcDbIntersect { OnBothOperands, ExtendThis, ExtendArg, ExtendBoth };
+
 class KcDbEntity : public KcDbObject {
 public:
     static const KcRxClass* desc();
@@ -65,6 +68,13 @@ public:
     virtual void worldDraw(KcGiWorldDraw& draw) const;
     /// Moves, turns, scales or mirrors the entity.
     virtual Kcad::ErrorStatus transformBy(const KcGeMatrix3d& matrix) = 0;
+
+    /// The points that two curves have in common, in world coordinates and on this one, each once, appended to
+    /// `points`; of a stretch that both share, its ends. Curves in parallel planes are looked at along the
+    /// planes' normal, others must really meet (`intersectCurves`). eNotApplicable when one of the entities is
+    /// no curve, eDegenerateGeometry when its values make none.
+    Kcad::ErrorStatus
+    intersectWith(const KcDbEntity& other, KcDbIntersect mode, std::vector<KcGePoint3d>& points) const;
 
 protected:
     KcDbEntity() = default;
