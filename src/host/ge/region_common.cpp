@@ -128,7 +128,10 @@ void RegionPieces::lineLine(const RegionPiece& a, const RegionPiece& b, std::vec
     const KcGeVector2d u = a.end - a.start, v = b.end - b.start, w = b.start - a.start;
     const double det = u.crossProduct(v);
     const double t = w.crossProduct(v) / det, s = w.crossProduct(u) / det;
-    if (t >= 0.0 && t <= 1.0 && s >= 0.0 && s <= 1.0) // false for parallels, where both are no numbers
+    if (!(t >= 0.0 && t <= 1.0 && s >= 0.0 && s <= 1.0)) // true for parallels, where both are no numbers
+        return;
+    // Of lines that lie on each other the quotients may tell two different points: nothing then crosses.
+    if ((a.start + u * t).isEqualTo(b.start + v * s, { m_tolerance, 0 }))
         result.push_back({ t, s });
 }
 

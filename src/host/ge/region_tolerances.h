@@ -20,7 +20,7 @@ struct KcGeRegionTolerances {
     /// Sampled points that differ by less than this around a node tell no order; the edges are followed further.
     double sameDirection() const { return 2.0 * node(); }
     /// A face narrower than this on average is no region: its area is below the width times half its perimeter.
-    double sliver() const { return 4.0 * node(); }
+    double sliver() const { return 10.0 * node(); }
     /// Probes for what lies around an outline start this much beside its extreme point, to pass by nodes.
     double aside() const { return 0.37 * onCurve; }
 
