@@ -287,7 +287,9 @@ std::vector<RegionFreeEnd> freeEnds(const RegionNet& net)
             end.node = node;
             end.piece = edge.piece;
             end.atEnd = atEnd;
-            end.crossesBefore = atEnd ? edge.from > 0.0 : edge.to < 1.0;
+            // A copy that ends on the curve cuts it too; only where more than two edges meet something is crossed.
+            const bool cut = atEnd ? edge.from > 0.0 : edge.to < 1.0;
+            end.crossesBefore = cut && degree[atEnd ? edge.start : edge.end] > 2;
             end.edgeLength = pieces.length(pieces[edge.piece], edge.from, edge.to);
             result.push_back(end);
         }
