@@ -5,6 +5,7 @@
 #include "core/commands.h"
 #include "ed/command_stack.h"
 #include "frame/commands.h"
+#include "planting/commands.h"
 #include "statistics/commands.h"
 
 #include <vector>
@@ -18,6 +19,7 @@ constexpr CommandRow table[] = {
     { u"TREENUMTOTABLE", countPlantsIntoTable, 2,
       "count plant symbols or labels into a tree quantity table" },
     { u"UPDATETREENUMTOTABLE", updatePlantTables, 2, "count existing tree quantity tables anew" },
+    { u"CLOUDLINE", drawCloudLine, 2, "draw a cloud outline" },
     { u"VDLABOUT", showAbout, 2, "say which product and version this is" },
 };
 

@@ -1,0 +1,148 @@
+// Cancelling costs nothing: every command is cancelled at each of its prompts in turn, and the drawing, the
+// settings and the system variables must be what they were.
+#include "support.h"
+
+#include "ed/command_stack.h"
+#include "ed/host_commands.h"
+#include "frame/command_table.h"
+
+using namespace end_to_end;
+
+namespace {
+
+// Answers that lead through every prompt of a command, to its end.
+struct Walk {
+    QString command;
+    QStringList answers;
+};
+
+const std::vector<Walk>& walks()
+{
+    static const std::vector<Walk> rows = {
+        // The host's.
+        { "COPY", { "C 0,0 20000,20000", "", "0,0", "100,100" } },
+        { "ERASE", { "C 0,0 20000,20000", "" } },
+        { "HATCH", { "SOLID", "1", "0", "C 0,0 20000,20000", "" } },
+        { "LIST", { "C 0,0 20000,20000", "" } },
+        { "MOVE", { "C 0,0 20000,20000", "", "0,0", "100,100" } },
+        { "REDO", {} },
+        { "REGEN", {} },
+        { "REGENALL", {} },
+        { "U", {} },
+        { "UNDO", {} },
+        { "WIPEOUT", { "0,0", "1000,0", "1000,500", "" } },
+        // The product's.
+        { "VDHELP", {} },
+        { "VDLABOUT", { "!ok" } },
+        { "DRAWINGSETTING",
+          { "!set dTextHeight 9", "!check bTextBackFill on", "!set dDrawingScale 0", "!ok" } },
+        { "CLOUDLINE", { "0,0", "30000,0", "30000,20000", "u", "0,20000", "" } },
+        { "TREENUMTOTABLE", { "D", "B", "ALL", "", "0,0" } },
+        { "UPDATETREENUMTOTABLE", { "D", "B", "ALL", "", "ALL", "" } },
+    };
+    return rows;
+}
+
+// What a command is meant to keep when it is cancelled behind its first `behind` answers.
+struct Kept {
+    QString command;
+    int behind;
+    const char* reason;
+};
+
+const std::vector<Kept>& keptOnPurpose()
+{
+    static const std::vector<Kept> rows = {}; // none so far
+    return rows;
+}
+
+const Kept* keptBy(const QString& command, int behind)
+{
+    for (const Kept& row : keptOnPurpose())
+        if (row.command == command && row.behind == behind)
+            return &row;
+    return nullptr;
+}
+
+class Cancelling : public EndToEnd {
+protected:
+    // Every file of the settings, and what the system variables say.
+    QByteArray settings() const
+    {
+        QByteArray all;
+        const QDir sys(folder.filePath("root/Sys"));
+        for (const QString& name : sys.entryList(QDir::Files, QDir::Name))
+            all += name.toUtf8() + '\n' + bytes(sys.filePath(name));
+        return all;
+    }
+    static QStringList askVariables()
+    {
+        QStringList lines;
+        for (const char* name :
+             { "CMDECHO", "OSMODE", "PICKBOX", "VIEWCTR", "VIEWSIZE", "CLAYER", "TILEMODE", "CTAB" })
+            lines << name << "";
+        return lines;
+    }
+    // What stands behind the line that separates a command from the questions after it.
+    static QString variables(const Outcome& outcome)
+    {
+        const qsizetype at = outcome.out.lastIndexOf("Command: REGEN\n");
+        return at < 0 ? "no answer: " + outcome.out : outcome.out.mid(at);
+    }
+    Outcome playAndAsk(const QStringList& lines)
+    {
+        return play(plan, lines + QStringList{ "REGEN" } + askVariables());
+    }
+};
+
+} // namespace
+
+TEST_F(Cancelling, EveryCommandIsWalkedThrough)
+{
+    kcedRegisterHostCommands();
+    QStringList names;
+    for (const auto& command : kcedCommandStack().commands())
+        names += command->globalName;
+    for (const CommandRow& row : commandTable())
+        names += QString::fromUtf16(row.name);
+    for (const QString& name : names)
+        EXPECT_TRUE(std::any_of(
+            walks().begin(), walks().end(), [&](const Walk& walk) { return walk.command == name; }))
+            << name << " has no row in the table of this file";
+}
+
+TEST_F(Cancelling, CostsNothingAtAnyPrompt)
+{
+    const QString before = variables(playAndAsk({}));
+    const QByteArray stored = settings();
+    ASSERT_TRUE(before.contains("CLAYER")) << before;
+    ASSERT_FALSE(stored.isEmpty());
+    for (const Walk& walk : walks())
+        for (int behind = 0; behind < walk.answers.size(); ++behind) {
+            SCOPED_TRACE(
+                walk.command.toStdString() + " cancelled behind " + std::to_string(behind) + " answers");
+            // A dialog is cancelled by its own line, a prompt by Escape; a prompt's answer never begins so.
+            const bool inDialog = walk.answers[behind].startsWith('!');
+            const Outcome outcome = playAndAsk(
+                QStringList{ walk.command } + walk.answers.mid(0, behind)
+                + QStringList{ inDialog ? "!cancel" : "^C" });
+            EXPECT_EQ(outcome.status, 0) << outcome.err;
+            EXPECT_EQ(variables(outcome), before);
+            EXPECT_TRUE(settings() == stored);
+            if (!keptBy(walk.command, behind))
+                EXPECT_TRUE(bytes(result) == bytes(plan));
+        }
+}
+
+// A walk that ends early would cancel at fewer prompts than there are: each must lead to the command's end.
+TEST_F(Cancelling, TheWalksAreComplete)
+{
+    for (const Walk& walk : walks()) {
+        SCOPED_TRACE(walk.command.toStdString());
+        const Outcome outcome
+            = play(plan, QStringList{ walk.command } + walk.answers + QStringList{ "OSMODE", "" });
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_FALSE(outcome.out.contains("*Cancel*")) << outcome.out;
+        EXPECT_EQ(outcome.err, "");
+    }
+}
