@@ -1,0 +1,195 @@
+// Check states go down as they are and up by what the siblings have in common.
+
+#include "controls/select_tree.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QStyle>
+#include <QStyleOptionViewItem>
+
+CSelTreeCtrl::CSelTreeCtrl(QWidget* parent)
+    : QTreeWidget(parent)
+{
+    setHeaderHidden(true);
+    setColumnCount(1);
+}
+
+SelTreeItem* CSelTreeCtrl::AddItem(const QString& text, SelTreeItem* parent, unsigned state)
+{
+    auto* item = new SelTreeItem;
+    item->setText(0, text);
+    item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+    if (parent)
+        parent->addChild(item);
+    else
+        addTopLevelItem(item);
+    if (parent)
+        ++parent->m_childStates[0];
+    SetState(*item, std::min(state, unsigned(kChecked)));
+    if (item->m_state != kNoBox)
+        TravelSiblingAndParent(item, item->m_state);
+    return item;
+}
+
+SelTreeItem* CSelTreeCtrl::AddItem(const QString& text, quintptr data, SelTreeItem* parent, unsigned state)
+{
+    SelTreeItem* item = AddItem(text, parent, state);
+    item->m_data = data;
+    return item;
+}
+
+void CSelTreeCtrl::SetState(SelTreeItem& item, unsigned index)
+{
+    if (SelTreeItem* parent = item.Parent()) {
+        --parent->m_childStates[item.m_state];
+        ++parent->m_childStates[index];
+    }
+    item.m_state = index;
+    static const Qt::CheckState shown[] = { Qt::Unchecked, Qt::Unchecked, Qt::PartiallyChecked, Qt::Checked };
+    item.setData(0, Qt::CheckStateRole, index == kNoBox ? QVariant() : QVariant(shown[index]));
+}
+
+int CSelTreeCtrl::ChangeItemState(SelTreeItem* item, unsigned state, unsigned mask)
+{
+    if (!item || !(mask & kStateMask))
+        return 0;
+    SetState(*item, std::min((state & kStateMask) >> 12, unsigned(kChecked)));
+    return 1;
+}
+
+int CSelTreeCtrl::SetItemState(SelTreeItem* item, unsigned state, unsigned mask, int propagate)
+{
+    if (!ChangeItemState(item, state, mask))
+        return 0;
+    if (state < 0x1000)
+        return 1;
+    if (propagate)
+        TravelChild(item, item->m_state);
+    TravelSiblingAndParent(item, item->m_state);
+    return 1;
+}
+
+void CSelTreeCtrl::TravelChild(SelTreeItem* item, unsigned index)
+{
+    for (int place = 0; place < item->childCount(); ++place) {
+        SelTreeItem* child = item->Child(place);
+        if (place == 0 || child->m_state != kNoBox)
+            SetState(*child, index);
+        TravelChild(child, index);
+    }
+}
+
+void CSelTreeCtrl::TravelSiblingAndParent(SelTreeItem* item, unsigned index)
+{
+    for (SelTreeItem* parent = item->Parent(); parent; item = parent, parent = item->Parent()) {
+        int boxes = 0;
+        for (const unsigned state : { kUnchecked, kPartial, kChecked })
+            boxes += parent->m_childStates[state];
+        // The item itself counts as one that agrees.
+        int agreeing = parent->m_childStates[index];
+        if (item->m_state != kNoBox && item->m_state != index)
+            ++agreeing;
+        if (agreeing < boxes) {
+            for (; parent; parent = parent->Parent())
+                if (parent->m_state != kNoBox)
+                    SetState(*parent, kPartial);
+            return;
+        }
+        if (parent->m_state != kNoBox)
+            SetState(*parent, index);
+    }
+}
+
+void CSelTreeCtrl::Toggle(SelTreeItem& item)
+{
+    const unsigned index = item.m_state == kChecked ? kUnchecked : kChecked;
+    SetState(item, index);
+    TravelChild(&item, index);
+    TravelSiblingAndParent(&item, index);
+    OnTicked(item);
+}
+
+void CSelTreeCtrl::mousePressEvent(QMouseEvent* event)
+{
+    if (auto* item = static_cast<SelTreeItem*>(itemAt(event->pos()));
+        item && item->m_state != kNoBox && event->button() == Qt::LeftButton) {
+        const QModelIndex index = indexFromItem(item, 0);
+        QStyleOptionViewItem option;
+        initViewItemOption(&option);
+        option.rect = visualRect(index);
+        option.features |= QStyleOptionViewItem::HasCheckIndicator;
+        if (style()
+                ->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, this)
+                .contains(event->pos()))
+            Toggle(*item);
+    }
+    QTreeWidget::mousePressEvent(event);
+}
+
+void CSelTreeCtrl::keyPressEvent(QKeyEvent* event)
+{
+    auto* item = static_cast<SelTreeItem*>(currentItem());
+    if (event->key() != Qt::Key_Space || !item || item->m_state == kNoBox)
+        return QTreeWidget::keyPressEvent(event);
+    Toggle(*item);
+    event->accept();
+}
+
+namespace {
+
+template <class Visit> void walk(const QTreeWidgetItem& item, const QString& above, Visit&& visit)
+{
+    for (int index = 0; index < item.childCount(); ++index) {
+        auto* child = static_cast<SelTreeItem*>(item.child(index));
+        const QString path = above.isEmpty() ? child->text(0) : above + u'/' + child->text(0);
+        visit(*child, path);
+        walk(*child, path, visit);
+    }
+}
+
+} // namespace
+
+std::vector<KcEdScriptableTree::Item> CSelTreeCtrl::items() const
+{
+    std::vector<Item> all;
+    walk(*invisibleRootItem(), {}, [&](SelTreeItem& item, const QString& path) {
+        all.push_back({ path, int(item.m_state) });
+    });
+    return all;
+}
+
+QString CSelTreeCtrl::tickItem(const QString& name, bool on)
+{
+    std::vector<SelTreeItem*> byPath, byText;
+    walk(*invisibleRootItem(), {}, [&](SelTreeItem& item, const QString& path) {
+        if (path == name)
+            byPath.push_back(&item);
+        if (item.text(0) == name)
+            byText.push_back(&item);
+    });
+    const std::vector<SelTreeItem*>& found = byPath.empty() ? byText : byPath;
+    if (found.empty())
+        return QStringLiteral("The tree has no such item.");
+    if (found.size() > 1)
+        return QStringLiteral("The item stands there more than once; name it by its path.");
+    SelTreeItem& item = *found.front();
+    if (item.m_state == kNoBox)
+        return QStringLiteral("The item has no check box.");
+    // A click on an item that is partly ticked ticks it; unticking that takes two.
+    if (item.m_state == kPartial && !on)
+        Toggle(item);
+    if (item.m_state != unsigned(on ? kChecked : kUnchecked))
+        Toggle(item);
+    return {};
+}
+
+CCustomTreeCtrl::CCustomTreeCtrl(QWidget* parent)
+    : CSelTreeCtrl(parent)
+{
+    setEditTriggers(DoubleClicked | EditKeyPressed | SelectedClicked);
+}
+
+void CCustomTreeCtrl::SetEditable(SelTreeItem& item, bool on)
+{
+    item.setFlags(item.flags().setFlag(Qt::ItemIsEditable, on));
+}

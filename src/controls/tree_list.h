@@ -1,0 +1,16 @@
+// A tree with check boxes beside a column of texts that are edited in place.
+#pragma once
+
+#include "controls/select_tree.h"
+
+class CTreeListCtrl : public CSelTreeCtrl {
+public:
+    explicit CTreeListCtrl(QWidget* parent = nullptr);
+
+    /// Headers and widths in pixels.
+    void SetColumns(const QStringList& headers, const QList<int>& widths);
+    /// The text of the second column, which the user may edit.
+    void SetItemValue(SelTreeItem& item, const QString& value);
+    QString GetItemValue(const SelTreeItem& item) const { return item.text(1); }
+    SelTreeItem* FindItem(quintptr data) const;
+};
