@@ -37,8 +37,9 @@ Chain bed(int vertices, KcGePoint2d centre, double radius, unsigned seed)
     const double step = kTwoPi / vertices;
     for (int i = 0; i < vertices; ++i) {
         const double angle = i * step;
-        const double r
-            = radius * (1.0 + 0.2 * std::sin(7.0 * angle) + 0.05 * std::sin(61.0 * angle) + 0.3 * step * random(-1, 1));
+        const double r = radius
+            * (1.0 + 0.2 * std::sin(7.0 * angle) + 0.05 * std::sin(61.0 * angle)
+               + 0.3 * step * random(-1, 1));
         result.push_back({ centre + KcGeVector2d{ r, 0 }.rotateBy(angle), i % 3 ? 0.0 : random(-0.6, 0.6) });
     }
     return segmentsOfVertices(result, true);
@@ -97,7 +98,8 @@ double clipperArea(const Chain& chain, double distance, int& count)
     for (const KcGeSegment2d& piece : chain) {
         const auto points = piece.chords(2e-4);
         for (size_t i = 0; i + 1 < points.size(); ++i)
-            path.push_back({ cInt(std::llround(points[i].x * kScale)), cInt(std::llround(points[i].y * kScale)) });
+            path.push_back(
+                { cInt(std::llround(points[i].x * kScale)), cInt(std::llround(points[i].y * kScale)) });
     }
     ClipperOffset offset(2.0, 2e-4 * kScale);
     offset.AddPath(path, jtRound, etClosedPolygon);
@@ -125,8 +127,7 @@ void checkAgainstClipper(int wanted)
         const bool waist = random(0, 1) < 0.4;
         for (int i = 0; i < vertices; ++i) {
             const double radius = 50.0 * (1.0 - wave * random(0, 1));
-            KcGeVector2d v
-                = KcGeVector2d{ radius, 0 }.rotateBy((i + random(-0.4, 0.4)) * kTwoPi / vertices);
+            KcGeVector2d v = KcGeVector2d{ radius, 0 }.rotateBy((i + random(-0.4, 0.4)) * kTwoPi / vertices);
             if (waist) // a narrow middle, at which the parallel falls apart
                 v.y *= 0.1 + std::abs(v.x) / 50.0;
             outline.push_back({ { v.x, v.y }, random(0, 1) < 0.6 ? random(-bow, bow) : 0.0 });
@@ -157,14 +158,16 @@ void checkAgainstClipper(int wanted)
         agreeing += agrees;
         sameCount += count == expectedCount;
         if (!agrees || count != expectedCount) {
-            std::printf("  outline %d at %.17g: area %g, Clipper %g; %d chains, Clipper %d%s\n", tried, distance, area,
-                expected, count, expectedCount, open ? "; open" : "");
+            std::printf(
+                "  outline %d at %.17g: area %g, Clipper %g; %d chains, Clipper %d%s\n", tried, distance,
+                area, expected, count, expectedCount, open ? "; open" : "");
             if (std::getenv("VERDELIS_BENCH_VERBOSE"))
                 for (const KcGeBulgeVertex2d& v : outline)
                     std::printf("    { { %.17g, %.17g }, %.17g },\n", v.point.x, v.point.y, v.bulge);
         }
     }
-    std::printf("%-58s %d of %d areas to 1e-3, %d counts; %.3f s, Clipper %.3f s\n",
+    std::printf(
+        "%-58s %d of %d areas to 1e-3, %d counts; %.3f s, Clipper %.3f s\n",
         "parallels of random outlines agree with Clipper", agreeing, tried, sameCount, ours, theirs);
 }
 

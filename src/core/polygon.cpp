@@ -5,8 +5,9 @@
 #include "db/open.h"
 
 static_assert(
-    int(XPointRelation::Outside) == 0 && int(XPointRelation::OnVertex) == 1 && int(XPointRelation::OnOutline) == 2
-    && int(XPointRelation::Inside) == 3 && int(XPointRelation::Unknown) == 4);
+    int(XPointRelation::Outside) == 0 && int(XPointRelation::OnVertex) == 1
+    && int(XPointRelation::OnOutline) == 2 && int(XPointRelation::Inside) == 3
+    && int(XPointRelation::Unknown) == 4);
 
 XPointRelation XCircle::PtRelation(XPoint point) const
 {

@@ -63,8 +63,8 @@ public:
 
     /// The bulge is that of the piece from this node to the next one.
     void AppendNode(XPoint point, double bulge = 0.0);
-    /// Drops doubled and straight nodes, as `KcGePolygon2d::compress` says; of an open outline the doubled ones
-    /// only. One with pieces other than lines and arcs stays as it is.
+    /// Drops doubled and straight nodes, as `KcGePolygon2d::compress` says; of an open outline the doubled
+    /// ones only. One with pieces other than lines and arcs stays as it is.
     void Compress(double tolerance = KcGeContext::gTol.equalPoint);
 
     bool IsEmpty() const { return m_nodes.empty() && m_pieces.empty(); }
@@ -85,8 +85,8 @@ private:
     bool m_closed = true;
 };
 
-/// A lightweight polyline over the outline's nodes, of no drawing; null for fewer than two nodes. Pieces other
-/// than lines and arcs are replaced by arcs that leave them by no more than `tolerance`.
+/// A lightweight polyline over the outline's nodes, of no drawing; null for fewer than two nodes. Pieces
+/// other than lines and arcs are replaced by arcs that leave them by no more than `tolerance`.
 std::unique_ptr<KcDbPolyline>
 PolyConvert(const XPoly2D& polygon, double tolerance = 1e2 * KcGeContext::gTol.equalPoint);
 /// Adds the outline's pieces to the segments.

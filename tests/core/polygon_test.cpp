@@ -77,7 +77,8 @@ TEST(Outline, ArcsAndCircles)
     EXPECT_NEAR(arc.GetStartAngle(), kPi, 1e-12);
     const XArc above({ 0, 0 }, { 2, 0 }, -kPi);
     EXPECT_NEAR(above.GetMidPoint().y, 1.0, 1e-12);
-    EXPECT_NEAR(normalizedAngle(above.GetEndAngle() - kPi), 0.0, 1e-12); // counter-clockwise it ends on the left
+    EXPECT_NEAR(
+        normalizedAngle(above.GetEndAngle() - kPi), 0.0, 1e-12); // counter-clockwise it ends on the left
     EXPECT_FALSE(XArc({ 1, 1 }, { 1, 1 }, 1.0).IsValid());
     const XCircle circle{ { 1, 0 }, 2 };
     EXPECT_EQ(int(circle.PtRelation({ 2, 0 })), 3);

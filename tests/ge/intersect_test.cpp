@@ -25,8 +25,8 @@ const std::vector<NamedTransform>& transforms()
         { "turned", KcGeMatrix3d::rotation(0.7), 1e-9 },
         { "mirrored", KcGeMatrix3d::mirroring({ 1, 2, 0 }, { 3, 1, 0 }), 1e-9 },
         { "far away", KcGeMatrix3d::translation({ 5e8, -4e8, 0 }), 1e-6 },
-        { "far away and turned",
-          KcGeMatrix3d::translation({ 5e8, -4e8, 0 }) * KcGeMatrix3d::rotation(2.1), 1e-6 },
+        { "far away and turned", KcGeMatrix3d::translation({ 5e8, -4e8, 0 }) * KcGeMatrix3d::rotation(2.1),
+          1e-6 },
     };
     return all;
 }
@@ -57,7 +57,7 @@ struct Case {
     Segment first, second;
     std::vector<KcGePoint2d> points;
     int tangents = 0;
-    std::vector<std::pair<KcGePoint2d, KcGePoint2d>> overlaps;
+    std::vector<std::pair<KcGePoint2d, KcGePoint2d>> overlaps{};
     bool extendFirst = false, extendSecond = false;
 };
 
@@ -68,7 +68,8 @@ bool holds(const std::vector<KcGeCrossing2d>& found, KcGePoint2d p, double toler
     });
 }
 
-void expectCase(const Case& c, const Segment& a, const Segment& b, const NamedTransform& t, const std::string& how)
+void expectCase(
+    const Case& c, const Segment& a, const Segment& b, const NamedTransform& t, const std::string& how)
 {
     SCOPED_TRACE(std::string(c.name) + ", " + t.name + how);
     const KcGeIntersections2d found = intersect(a, b, { c.extendFirst, c.extendSecond, kTol });
@@ -86,12 +87,13 @@ void expectCase(const Case& c, const Segment& a, const Segment& b, const NamedTr
     ASSERT_EQ(found.overlaps.size(), c.overlaps.size());
     for (const auto& [from, to] : c.overlaps) {
         const KcGePoint2d p = apply(t.matrix, from), q = apply(t.matrix, to);
-        const bool isThere = std::any_of(found.overlaps.begin(), found.overlaps.end(), [&](const KcGeOverlap2d& o) {
-            return std::min(
-                       std::max(o.start.distanceTo(p), o.end.distanceTo(q)),
-                       std::max(o.start.distanceTo(q), o.end.distanceTo(p)))
-                <= tolerance;
-        });
+        const bool isThere
+            = std::any_of(found.overlaps.begin(), found.overlaps.end(), [&](const KcGeOverlap2d& o) {
+                  return std::min(
+                             std::max(o.start.distanceTo(p), o.end.distanceTo(q)),
+                             std::max(o.start.distanceTo(q), o.end.distanceTo(p)))
+                      <= tolerance;
+              });
         EXPECT_TRUE(isThere);
     }
     for (const KcGeOverlap2d& o : found.overlaps) {
@@ -99,8 +101,9 @@ void expectCase(const Case& c, const Segment& a, const Segment& b, const NamedTr
         EXPECT_NEAR(a.pointAt(o.firstFrom).distanceTo(b.pointAt(o.secondFrom)), 0.0, tolerance);
         EXPECT_NEAR(a.pointAt(o.firstTo).distanceTo(b.pointAt(o.secondTo)), 0.0, tolerance);
         const double f = (o.firstFrom + o.firstTo) / 2.0, s = (o.secondFrom + o.secondTo) / 2.0;
-        if (a.kind() == b.kind() && !a.carrier())
+        if (a.kind() == b.kind() && !a.carrier()) {
             EXPECT_NEAR(a.pointAt(f).distanceTo(b.pointAt(s)), 0.0, tolerance);
+        }
     }
 }
 
@@ -150,15 +153,37 @@ TEST(Intersect, LinesAndArcs)
         { "circles inside each other", circle, arc(0.1, 0, 3, 0, 360), {} },
         { "the same circle", circle, arc(0, 0, 1, 0, 360), {}, 0, { { { 1, 0 }, { 1, 0 } } } },
         { "arcs overlap", arc(0, 0, 1, 0, 90), arc(0, 0, 1, 30, 90), {}, 0, { { { h, 0.5 }, { 0, 1 } } } },
-        { "arcs overlap at both ends", arc(0, 0, 1, 0, 270), arc(0, 0, 1, 180, 270), {}, 0,
+        { "arcs overlap at both ends",
+          arc(0, 0, 1, 0, 270),
+          arc(0, 0, 1, 180, 270),
+          {},
+          0,
           { { { 1, 0 }, { 0, 1 } }, { { -1, 0 }, { 0, -1 } } } },
         { "lines extended", line(0, 0, 1, 0), line(5, 5, 5, 4), { { 5, 0 } }, 0, {}, true, true },
         { "only the first extended", line(0, 0, 1, 0), line(5, 5, 5, 4), {}, 0, {}, true, false },
         { "a row over a circle", line(0, 0.5, 0.1, 0.5), circle, { { -h, 0.5 }, { h, 0.5 } }, 0, {}, true },
-        { "an arc extended", arc(0, 0, 1, 0, 90), line(-2, -0.5, 2, -0.5), { { -h, -0.5 }, { h, -0.5 } }, 0, {}, true },
-        { "on one line, extended", line(0, 0, 1, 0), line(3, 0, 5, 0), {}, 0, { { { 3, 0 }, { 5, 0 } } }, true },
-        { "both extended on one line", line(0, 0, 1, 0), line(3, 0, 5, 0), {}, 0,
-          { { { 0, 0 }, { 5, 0 } } }, true, true },
+        { "an arc extended",
+          arc(0, 0, 1, 0, 90),
+          line(-2, -0.5, 2, -0.5),
+          { { -h, -0.5 }, { h, -0.5 } },
+          0,
+          {},
+          true },
+        { "on one line, extended",
+          line(0, 0, 1, 0),
+          line(3, 0, 5, 0),
+          {},
+          0,
+          { { { 3, 0 }, { 5, 0 } } },
+          true },
+        { "both extended on one line",
+          line(0, 0, 1, 0),
+          line(3, 0, 5, 0),
+          {},
+          0,
+          { { { 0, 0 }, { 5, 0 } } },
+          true,
+          true },
     };
     for (const Case& c : cases)
         expectUnderSymmetries(c);
@@ -178,12 +203,23 @@ TEST(Intersect, EllipsesAndSplines)
     const double h = std::sqrt(3.0) / 2.0;
     const Case cases[]{
         { "ellipses cross in four points", wide, tall, { { d, d }, { -d, d }, { d, -d }, { -d, -d } } },
-        { "ellipse and its circle of curvature's like", wide, arc(0, 0, 4, 0, 360), { { 4, 0 }, { -4, 0 } }, 2 },
+        { "ellipse and its circle of curvature's like",
+          wide,
+          arc(0, 0, 4, 0, 360),
+          { { 4, 0 }, { -4, 0 } },
+          2 },
         { "a line touches an ellipse", wide, line(-3, 1, 3, 1), { { 0, 1 } }, 1 },
         { "a line just inside an ellipse", wide, line(-3, 1 - 1e-6, 3, 1 - 1e-6), { { 0, 1 } }, 1 },
         { "a line through an ellipse", wide, line(-9, 0.5, 9, 0.5), { { -4 * h, 0.5 }, { 4 * h, 0.5 } } },
         { "a line and a parabola", bow, line(-9, 0.25, 9, 0.25), { { -1, 0.25 }, { 1, 0.25 } } },
-        { "a row over a parabola", bow, line(0, 0.25, 0.1, 0.25), { { -1, 0.25 }, { 1, 0.25 } }, 0, {}, false, true },
+        { "a row over a parabola",
+          bow,
+          line(0, 0.25, 0.1, 0.25),
+          { { -1, 0.25 }, { 1, 0.25 } },
+          0,
+          {},
+          false,
+          true },
         { "a parabola is not extended", bow, line(-9, 4, 9, 4), {}, 0, {}, true },
         { "a line touches a parabola", bow, line(-9, 0, 9, 0), { { 0, 0 } }, 1 },
         { "a piece of a parabola", bow, bow.between(0.25, 0.5), {}, 0, { { { -1, 0.25 }, { 0, 0 } } } },
@@ -204,8 +240,10 @@ struct Random {
         Random& r = *this;
         const KcGePoint2d p{ r(-10, 10), r(-10, 10) };
         switch (kind) {
-        case 0: return Segment::line(p, { r(-10, 10), r(-10, 10) });
-        case 1: return Segment::arc({ p, r(1, 12), r(0, kTwoPi), r(0.3, kTwoPi) * (r(0, 1) < 0.5 ? -1 : 1) });
+        case 0:
+            return Segment::line(p, { r(-10, 10), r(-10, 10) });
+        case 1:
+            return Segment::arc({ p, r(1, 12), r(0, kTwoPi), r(0.3, kTwoPi) * (r(0, 1) < 0.5 ? -1 : 1) });
         case 2: {
             const KcGeVector2d u = KcGeVector2d{ r(2, 12), 0 }.rotateBy(r(0, kTwoPi));
             return Segment::ellipse(p, u, u.perpVector() * r(0.1, 0.9), r(0, kTwoPi), r(0.5, kTwoPi));
@@ -294,15 +332,25 @@ TEST(Intersect, SplineCrossesItself)
         ends.closed = closed;
         return *Segment::spline(*KcGeNurbsCurve3d::throughPoints(points, ends));
     };
-    const auto loop = selfIntersections(through({ { -5, 0, 0 }, { 3, 3, 0 }, { 0, 7, 0 }, { -3, 3, 0 }, { 5, 0, 0 } }, false));
+    const auto loop = selfIntersections(
+        through({ { -5, 0, 0 }, { 3, 3, 0 }, { 0, 7, 0 }, { -3, 3, 0 }, { 5, 0, 0 } }, false));
     ASSERT_EQ(loop.size(), 1u);
     EXPECT_NEAR(loop[0].point.x, 0.0, kTol); // the loop is symmetric
     EXPECT_LT(loop[0].first, loop[0].second);
-    const auto eight = selfIntersections(
-        through({ { 0, 0, 0 }, { 3, 2, 0 }, { 6, 0, 0 }, { 3, -2, 0 }, { 0, 0, 0 }, { -3, 2, 0 }, { -6, 0, 0 }, { -3, -2, 0 } }, true));
+    const auto eight = selfIntersections(through(
+        { { 0, 0, 0 },
+          { 3, 2, 0 },
+          { 6, 0, 0 },
+          { 3, -2, 0 },
+          { 0, 0, 0 },
+          { -3, 2, 0 },
+          { -6, 0, 0 },
+          { -3, -2, 0 } },
+        true));
     ASSERT_EQ(eight.size(), 1u);
     EXPECT_NEAR(eight[0].point.distanceTo({ 0, 0 }), 0.0, 1e-4);
-    EXPECT_TRUE(selfIntersections(through({ { 0, 0, 0 }, { 3, 2, 0 }, { 6, 0, 0 }, { 3, -2, 0 } }, true)).empty());
+    EXPECT_TRUE(
+        selfIntersections(through({ { 0, 0, 0 }, { 3, 2, 0 }, { 6, 0, 0 }, { 3, -2, 0 } }, true)).empty());
     EXPECT_TRUE(selfIntersections(line(0, 0, 1, 1)).empty());
 }
 
@@ -339,7 +387,8 @@ TEST(Intersect, ChainsAgreeWithAllPairs)
 
 TEST(Intersect, ChainsMeetOnceInVerticesAndOverlapOnce)
 {
-    const std::vector<Segment> square{ line(0, 0, 10, 0), line(10, 0, 10, 10), line(10, 10, 0, 10), line(0, 10, 0, 0) };
+    const std::vector<Segment> square{ line(0, 0, 10, 0), line(10, 0, 10, 10), line(10, 10, 0, 10),
+                                       line(0, 10, 0, 0) };
     const std::vector<Segment> diagonal{ line(-5, -5, 5, 5), line(5, 5, 15, 15) };
     EXPECT_EQ(intersectChains(square, diagonal).points.size(), 2u); // both corners, each once
     const auto same = intersectChains(square, square);
@@ -372,7 +421,8 @@ TEST(Intersect, DegenerateInputIsAnsweredAndEnds)
     KcGeNurbsCurve3d knots;
     knots.degree = 3;
     knots.knots = { 0, 0, 0, 0, 1, 1, 1, 2, 2, 2, 2 };
-    knots.controlPoints = { { 0, 0, 0 }, { 1, 4, 0 }, { 2, 4, 0 }, { 3, 0, 0 }, { 3, 0, 0 }, { 5, -4, 0 }, { 6, 0, 0 } };
+    knots.controlPoints
+        = { { 0, 0, 0 }, { 1, 4, 0 }, { 2, 4, 0 }, { 3, 0, 0 }, { 3, 0, 0 }, { 5, -4, 0 }, { 6, 0, 0 } };
     const Segment kinked = *Segment::spline(knots);
     EXPECT_EQ(intersect(kinked, line(-1, 1, 7, 1)).points.size(), 2u);
     EXPECT_EQ(intersect(kinked, kinked.reversed()).overlaps.size(), 1u);

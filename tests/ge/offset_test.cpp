@@ -50,8 +50,9 @@ struct Case {
     KcGeOffsetCorner corners = KcGeOffsetCorner::Extended;
 };
 
-void expectCase(const Case& c, const std::vector<KcGeSegment2d>& chain, double distance, double sign,
-    double tolerance, const std::string& how)
+void expectCase(
+    const Case& c, const std::vector<KcGeSegment2d>& chain, double distance, double sign, double tolerance,
+    const std::string& how)
 {
     SCOPED_TRACE(std::string(c.name) + how);
     const auto result = offsetChain(chain, c.closed, distance, { c.corners, 0.0 });
@@ -72,18 +73,22 @@ TEST(Offset, HandComputed)
 {
     const Vertices square{ { { 0, 0 } }, { { 10, 0 } }, { { 10, 10 } }, { { 0, 10 } } };
     // Two rooms of 10 × 10, a corridor of 2 × 10 between them.
-    const Vertices rooms{ { { 0, 0 } },   { { 10, 0 } },  { { 10, 4 } }, { { 20, 4 } }, { { 20, 0 } },  { { 30, 0 } },
-                          { { 30, 10 } }, { { 20, 10 } }, { { 20, 6 } }, { { 10, 6 } }, { { 10, 10 } }, { { 0, 10 } } };
+    const Vertices rooms{ { { 0, 0 } },  { { 10, 0 } }, { { 10, 4 } },  { { 20, 4 } },
+                          { { 20, 0 } }, { { 30, 0 } }, { { 30, 10 } }, { { 20, 10 } },
+                          { { 20, 6 } }, { { 10, 6 } }, { { 10, 10 } }, { { 0, 10 } } };
     // A block of 20 × 20 with a chamber of 10 × 10 that opens upwards through a gap of 2.
-    const Vertices jar{ { { 0, 0 } },   { { 20, 0 } },  { { 20, 20 } }, { { 11, 20 } }, { { 11, 15 } }, { { 15, 15 } },
-                        { { 15, 5 } },  { { 5, 5 } },   { { 5, 15 } },  { { 9, 15 } },  { { 9, 20 } },  { { 0, 20 } } };
+    const Vertices jar{ { { 0, 0 } },   { { 20, 0 } },  { { 20, 20 } }, { { 11, 20 } },
+                        { { 11, 15 } }, { { 15, 15 } }, { { 15, 5 } },  { { 5, 5 } },
+                        { { 5, 15 } },  { { 9, 15 } },  { { 9, 20 } },  { { 0, 20 } } };
     const Vertices capsule{ { { 0, 0 } }, { { 10, 0 }, 1.0 }, { { 10, 4 } }, { { 0, 4 }, 1.0 } };
     const Vertices circle{ { { -5, 0 }, 1.0 }, { { 5, 0 }, 1.0 } };
-    const Vertices notch{ { { 0, 0 } }, { { 10, 0 } }, { { 10, 10 } }, { { 6, 10 } }, { { 6, 5 } }, { { 4, 5 } }, { { 4, 10 } }, { { 0, 10 } } };
+    const Vertices notch{ { { 0, 0 } }, { { 10, 0 } }, { { 10, 10 } }, { { 6, 10 } },
+                          { { 6, 5 } }, { { 4, 5 } },  { { 4, 10 } },  { { 0, 10 } } };
     const Vertices elbow{ { { 0, 0 } }, { { 10, 0 } }, { { 10, 10 } } };
     const Vertices hairpin{ { { 0, 0 } }, { { 20, 0 } }, { { 20, 2 } }, { { 0, 2 } } };
     const Vertices dome{ { { 0, 0 } }, { { 10, 0 }, 1.0 }, { { 0, 0 } } };
-    const Vertices doubled{ { { 0, 0 }, 0.7 }, { { 0, 0 } }, { { 10, 0 }, 1e9 }, { { 10, 0 } }, { { 10, 10 } }, { { 0, 10 } }, { { 0, 0 } } };
+    const Vertices doubled{ { { 0, 0 }, 0.7 }, { { 0, 0 } },  { { 10, 0 }, 1e9 }, { { 10, 0 } },
+                            { { 10, 10 } },    { { 0, 10 } }, { { 0, 0 } } };
     const Case cases[]{
         { "square outwards", square, true, 1, 1, 4, 144 },
         { "square inwards", square, true, -1, 1, 4, 64 },
@@ -132,9 +137,11 @@ TEST(Offset, HandComputed)
                 return image;
             };
             expectCase(c, transformed(KcGeMatrix3d::rotation(0.83)), c.distance, 1.0, 1e-6, how + ", turned");
-            expectCase(c, transformed(KcGeMatrix3d::mirroring({ 0, 1, 0 }, { 2, 1, 0 })), -c.distance, -1.0, 1e-6,
+            expectCase(
+                c, transformed(KcGeMatrix3d::mirroring({ 0, 1, 0 }, { 2, 1, 0 })), -c.distance, -1.0, 1e-6,
                 how + ", mirrored");
-            expectCase(c, transformed(KcGeMatrix3d::translation({ 5e8, -3e8, 0 }) * KcGeMatrix3d::rotation(2.2)),
+            expectCase(
+                c, transformed(KcGeMatrix3d::translation({ 5e8, -3e8, 0 }) * KcGeMatrix3d::rotation(2.2)),
                 c.distance, 1.0, 1e-3, how + ", far away");
         }
     }
@@ -224,7 +231,8 @@ TEST(Offset, OutAndBack)
     Random random{ std::mt19937(5) };
     for (int round = 0; round < 100; ++round) {
         const auto chain = randomOutline(random);
-        // Outwards and back fills bays that are too narrow, and nothing else; inwards and back rounds corners.
+        // Outwards and back fills bays that are too narrow, and nothing else; inwards and back rounds
+        // corners.
         const double distance = random(0.5, 10);
         const double area = outlineArea(chain);
         const Chains out = parallels(chain, distance);
@@ -267,7 +275,8 @@ TEST(Offset, OpenChainsKeepTheirDistance)
             ++results;
             for (size_t i = 0; i < c.pieces.size(); ++i) {
                 for (const double t : { 0.01, 0.5, 0.99 })
-                    EXPECT_NEAR(distanceFrom(chain, c.pieces[i].pointAt(t)), std::abs(distance), 1e-4) << round;
+                    EXPECT_NEAR(distanceFrom(chain, c.pieces[i].pointAt(t)), std::abs(distance), 1e-4)
+                        << round;
                 const KcGePoint2d before = i > 0 ? c.pieces[i - 1].endPoint() : c.pieces[0].startPoint();
                 EXPECT_LE(before.distanceTo(c.pieces[i].startPoint()), 1e-4);
             }
@@ -279,7 +288,9 @@ TEST(Offset, OpenChainsKeepTheirDistance)
 TEST(Offset, DegenerateInput)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    const auto line = [](double x0, double y0, double x1, double y1) { return KcGeSegment2d::line({ x0, y0 }, { x1, y1 }); };
+    const auto line = [](double x0, double y0, double x1, double y1) {
+        return KcGeSegment2d::line({ x0, y0 }, { x1, y1 });
+    };
     EXPECT_FALSE(offsetChain(std::vector{ line(0, 0, nan, 1) }, false, 1.0));
     EXPECT_FALSE(offsetChain(std::vector{ line(0, 0, 1, 1) }, false, nan));
     EXPECT_TRUE(offsetChain({}, false, 1.0)->empty());
@@ -290,7 +301,8 @@ TEST(Offset, DegenerateInput)
     EXPECT_NEAR(totalLength(*tip), 20 + kPi, 1e-6);
     EXPECT_TRUE(offsetChain(std::vector{ line(0, 0, 10, 0) }, false, 1e30)->size() <= 1);
     // Nearly a full circle by its bulge.
-    const auto huge = offsetChain(std::vector{ KcGeSegment2d::bulge({ 0, 0 }, { 1e-3, 0 }, 1e5) }, false, 1.0);
+    const auto huge
+        = offsetChain(std::vector{ KcGeSegment2d::bulge({ 0, 0 }, { 1e-3, 0 }, 1e5) }, false, 1.0);
     ASSERT_TRUE(huge);
     for (const KcGeChain2d& c : *huge)
         for (const KcGeSegment2d& s : c.pieces)

@@ -30,7 +30,8 @@ const Placement kPlacements[]{
     { "far away and turned", 2.0, { -5e8, 3e8 } },
 };
 
-KcGePolygon2d placed(const std::vector<KcGeBulgeVertex2d>& vertices, const Placement& place, size_t first, bool reverse)
+KcGePolygon2d
+placed(const std::vector<KcGeBulgeVertex2d>& vertices, const Placement& place, size_t first, bool reverse)
 {
     KcGePolygon2d polygon;
     for (size_t i = 0; i < vertices.size(); ++i) {
@@ -43,9 +44,11 @@ KcGePolygon2d placed(const std::vector<KcGeBulgeVertex2d>& vertices, const Place
 const std::vector<KcGeBulgeVertex2d> kSquare{ { { 0, 0 } }, { { 4, 0 } }, { { 4, 4 } }, { { 0, 4 } } };
 /// A circle of radius 2 about (2, 0), of two halves.
 const std::vector<KcGeBulgeVertex2d> kCircle{ { { 0, 0 }, 1.0 }, { { 4, 0 }, 1.0 } };
-/// A square whose right side bulges out beyond a half circle (of 270°) and whose top dents in by a half circle.
+/// A square whose right side bulges out beyond a half circle (of 270°) and whose top dents in by a half
+/// circle.
 const std::vector<KcGeBulgeVertex2d> kKeyhole{
-    { { 0, 0 } }, { { 4, 0 }, std::tan(0.375 * kPi) }, { { 4, 4 }, -1.0 }, { { 0, 4 } } };
+    { { 0, 0 } }, { { 4, 0 }, std::tan(0.375 * kPi) }, { { 4, 4 }, -1.0 }, { { 0, 4 } }
+};
 
 } // namespace
 
@@ -88,13 +91,15 @@ TEST(Polygon, PointsAgainstOutlines)
             for (size_t first = 0; first < c.outline.size(); ++first)
                 for (const bool reverse : { false, true })
                     EXPECT_EQ(placed(c.outline, place, first, reverse).relation(place(c.point)), c.expected)
-                        << c.name << ", " << place.name << ", from vertex " << first << (reverse ? ", reversed" : "");
+                        << c.name << ", " << place.name << ", from vertex " << first
+                        << (reverse ? ", reversed" : "");
 }
 
 TEST(Polygon, RandomOutlinesAgreeWithSummedAngles)
 {
     std::mt19937 engine(99);
-    const auto random = [&](double low, double high) { return std::uniform_real_distribution(low, high)(engine); };
+    const auto random
+        = [&](double low, double high) { return std::uniform_real_distribution(low, high)(engine); };
     int inside = 0;
     for (int round = 0; round < 60; ++round) {
         KcGePolygon2d polygon; // crosses itself, as it comes
@@ -125,9 +130,11 @@ TEST(Polygon, RandomOutlinesAgreeWithSummedAngles)
 
 TEST(Polygon, OutlinesOfCurves)
 {
-    const std::vector<KcGeSegment2d> ellipse{ KcGeSegment2d::ellipse({ 0, 0 }, { 4, 1 }, { -1, 2 }, 0.3, kTwoPi) };
+    const std::vector<KcGeSegment2d> ellipse{ KcGeSegment2d::ellipse(
+        { 0, 0 }, { 4, 1 }, { -1, 2 }, 0.3, kTwoPi) };
     for (double angle = 0.0; angle < kTwoPi; angle += 0.1) {
-        const KcGeVector2d v = KcGeVector2d{ 4, 1 } * std::cos(angle) + KcGeVector2d{ -1, 2 } * std::sin(angle);
+        const KcGeVector2d v
+            = KcGeVector2d{ 4, 1 } * std::cos(angle) + KcGeVector2d{ -1, 2 } * std::sin(angle);
         EXPECT_EQ(relationToOutline(ellipse, { v.x * 0.999, v.y * 0.999 }), Relation::Inside) << angle;
         EXPECT_EQ(relationToOutline(ellipse, { v.x * 1.001, v.y * 1.001 }), Relation::Outside) << angle;
     }
@@ -153,14 +160,28 @@ TEST(Polygon, Compress)
         std::vector<KcGeBulgeVertex2d> vertices;
         size_t expected;
     };
-    std::vector<KcGeBulgeVertex2d> roundish; // no three vertices on a line, though each is near its neighbours'
+    std::vector<KcGeBulgeVertex2d>
+        roundish; // no three vertices on a line, though each is near its neighbours'
     for (int i = 0; i < 20000; ++i)
         roundish.push_back({ KcGePoint2d{ 0, 0 } + KcGeVector2d{ 10, 0 }.rotateBy(i * kTwoPi / 20000) });
     const Case cases[]{
         { "nothing to spare", kSquare, 4 },
-        { "doubled", { { { 0, 0 } }, { { 4, 0 } }, { { 4, 0 } }, { { 4, 4 } }, { { 0, 4 } }, { { 0, 0 } } }, 4 },
-        { "straight", { { { 2, 0 } }, { { 4, 0 } }, { { 4, 1 } }, { { 4, 2 } }, { { 4, 4 } }, { { 0, 4 } }, { { 0, 0 } }, { { 1, 0 } } }, 4 },
-        { "arcs stay", { { { 0, 0 } }, { { 1, 0 } }, { { 4, 0 }, 1.0 }, { { 4, 4 } }, { { 2, 4 } }, { { 0, 4 } } }, 4 },
+        { "doubled",
+          { { { 0, 0 } }, { { 4, 0 } }, { { 4, 0 } }, { { 4, 4 } }, { { 0, 4 } }, { { 0, 0 } } },
+          4 },
+        { "straight",
+          { { { 2, 0 } },
+            { { 4, 0 } },
+            { { 4, 1 } },
+            { { 4, 2 } },
+            { { 4, 4 } },
+            { { 0, 4 } },
+            { { 0, 0 } },
+            { { 1, 0 } } },
+          4 },
+        { "arcs stay",
+          { { { 0, 0 } }, { { 1, 0 } }, { { 4, 0 }, 1.0 }, { { 4, 4 } }, { { 2, 4 } }, { { 0, 4 } } },
+          4 },
         { "a spike stays", { { { 0, 0 } }, { { 9, 0 } }, { { 4, 0 } }, { { 4, 4 } } }, 4 },
         { "a speck", { { { 1, 1 } }, { { 1, 1 } }, { { 1, 1 } } }, 1 },
     };
@@ -175,7 +196,8 @@ TEST(Polygon, Compress)
     }
     KcGePolygon2d polygon(roundish);
     polygon.compress();
-    EXPECT_LT(polygon.size(), 12000u); // a chord over two steps leaves the circle by half a millionth of a unit
+    EXPECT_LT(
+        polygon.size(), 12000u); // a chord over two steps leaves the circle by half a millionth of a unit
     for (const KcGeBulgeVertex2d& v : roundish) {
         double nearest = 1e300;
         for (const KcGeSegment2d& s : polygon.segments())
@@ -192,6 +214,8 @@ TEST(Polygon, WhatIsNoOutlineCannotBeTold)
     EXPECT_EQ(KcGePolygon2d{}.relation({ 0, 0 }), Relation::Unknown);
     EXPECT_EQ(KcGePolygon2d(Vertices{ { { 1, 1 } } }).relation({ 0, 0 }), Relation::Unknown);
     EXPECT_EQ(KcGePolygon2d(Vertices{ { { 1, 1 } }, { { 2, 2 } } }).relation({ 0, 0 }), Relation::Unknown);
-    EXPECT_EQ(KcGePolygon2d(Vertices{ { { 0, nan } }, { { 4, 0 } }, { { 4, 4 } } }).relation({ 3, 1 }), Relation::Unknown);
+    EXPECT_EQ(
+        KcGePolygon2d(Vertices{ { { 0, nan } }, { { 4, 0 } }, { { 4, 4 } } }).relation({ 3, 1 }),
+        Relation::Unknown);
     EXPECT_EQ(KcGePolygon2d(kSquare).relation({ nan, 1 }), Relation::Unknown);
 }

@@ -4,8 +4,8 @@
 #include "ge/curve_intersect.h"
 #include "ge/offset.h"
 
-Kcad::ErrorStatus KcDbEntity::intersectWith(
-    const KcDbEntity& other, KcDbIntersect mode, std::vector<KcGePoint3d>& points) const
+Kcad::ErrorStatus
+KcDbEntity::intersectWith(const KcDbEntity& other, KcDbIntersect mode, std::vector<KcGePoint3d>& points) const
 {
     if (!isKindOf(KcDbCurve::desc()) || !other.isKindOf(KcDbCurve::desc()))
         return Kcad::eNotApplicable;
@@ -28,7 +28,8 @@ Kcad::ErrorStatus KcDbCurve::getOffsetCurves(double distance, Curves& curves) co
     const KcGeCurve3d shape = curve();
     if (shape.isEmpty())
         return Kcad::eDegenerateGeometry;
-    const bool isLine = isKindOf(KcDbLine::desc()) || isKindOf(KcDbXline::desc()) || isKindOf(KcDbRay::desc());
+    const bool isLine
+        = isKindOf(KcDbLine::desc()) || isKindOf(KcDbXline::desc()) || isKindOf(KcDbRay::desc());
     const auto parallels = offsetCurve(shape, isLine ? -distance : distance);
     if (!parallels)
         return Kcad::eNotApplicable;

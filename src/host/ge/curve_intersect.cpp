@@ -105,8 +105,8 @@ KcGePoint3d originOf(const KcGeMatrix3d& frame)
 }
 
 /// Candidates on the line in which two planes meet.
-std::vector<KcGePoint3d> meetOnCommonLine(
-    const KcGeCurve3d& first, const KcGeCurve3d& second, const KcGeIntersectOptions& options)
+std::vector<KcGePoint3d>
+meetOnCommonLine(const KcGeCurve3d& first, const KcGeCurve3d& second, const KcGeIntersectOptions& options)
 {
     const KcGeMatrix3d a = *first.frame(), b = *second.frame();
     const KcGeVector3d m = a.axis(2), n = b.axis(2), along = m.crossProduct(n).normal();
@@ -143,7 +143,8 @@ meetLines(const KcGeCurve3d& first, const KcGeCurve3d& second, const KcGeInterse
 /// A curve of space as straight pieces; splines by chords within the tolerance.
 std::vector<KcGeCurve3d> straightPieces(const KcGeCurve3d& curve, double tolerance)
 {
-    const std::vector<KcGePoint3d> points = curve.asSpline() ? curve.chords(tolerance / 2.0) : curve.vertices();
+    const std::vector<KcGePoint3d> points
+        = curve.asSpline() ? curve.chords(tolerance / 2.0) : curve.vertices();
     std::vector<KcGeCurve3d> pieces;
     for (size_t i = 0; i + 1 < points.size(); ++i)
         if (!(points[i] == points[i + 1])) // exact: a speck has no direction
@@ -171,8 +172,8 @@ intersectCurves(const KcGeCurve3d& first, const KcGeCurve3d& second, const KcGeI
             const bool isEnd = i == 0 || i + 1 == pieces.size();
             KcGeIntersectOptions reach = options;
             (splitFirst ? reach.extendFirst : reach.extendSecond) = extend && isEnd;
-            const auto found
-                = splitFirst ? intersectCurves(pieces[i], second, reach) : intersectCurves(first, pieces[i], reach);
+            const auto found = splitFirst ? intersectCurves(pieces[i], second, reach)
+                                          : intersectCurves(first, pieces[i], reach);
             for (const KcGePoint3d p : found) {
                 // Outwards only, where an end goes on.
                 const Line line = lineOf(pieces[i]);

@@ -11,5 +11,5 @@
 /// points lie on the first one. A line counts as lying in any plane that it is parallel to; two lines are
 /// looked at along the Z axis when both are level. All others must really meet. An extended curve goes on
 /// beyond its ends as `KcGeIntersectOptions` says, and lines without ends need not be extended.
-std::vector<KcGePoint3d>
-intersectCurves(const KcGeCurve3d& first, const KcGeCurve3d& second, const KcGeIntersectOptions& options = {});
+std::vector<KcGePoint3d> intersectCurves(
+    const KcGeCurve3d& first, const KcGeCurve3d& second, const KcGeIntersectOptions& options = {});

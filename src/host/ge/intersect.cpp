@@ -31,7 +31,8 @@ public:
                 reachAcross(given, other.extents(), tolerance);
         } else if (const KcGeCircArc2d* arc = given.asArc()) {
             if (!arc->isFullCircle())
-                own(KcGeSegment2d::arc({ arc->center(), arc->radius(), allRound(arc->startAngle(), arc->sweep()),
+                own(KcGeSegment2d::arc({ arc->center(), arc->radius(),
+                                         allRound(arc->startAngle(), arc->sweep()),
                                          std::copysign(kTwoPi, arc->sweep()) }));
         } else if (const auto ellipse = given.asEllipse(); ellipse && std::abs(ellipse->sweep) < kTwoPi) {
             const double start = allRound(ellipse->start, ellipse->sweep);
@@ -187,7 +188,8 @@ Meetings contacts(const Operand& a, const Operand& b, double tolerance)
                 result.push_back({ nearest.t, end });
         }
     }
-    std::sort(result.begin(), result.end(), [](const Meeting& x, const Meeting& y) { return x.first < y.first; });
+    std::sort(
+        result.begin(), result.end(), [](const Meeting& x, const Meeting& y) { return x.first < y.first; });
     return result;
 }
 
@@ -211,7 +213,8 @@ findOverlaps(const Operand& a, const Operand& b, const Meetings& ends, double to
             continue;
         const double half = (from.first + to.first) / 2.0;
         const KcGePoint2d start = a.piece().pointAt(from.first), end = a.piece().pointAt(to.first);
-        const double reach = start.distanceTo(a.piece().pointAt(half)) + end.distanceTo(a.piece().pointAt(half));
+        const double reach
+            = start.distanceTo(a.piece().pointAt(half)) + end.distanceTo(a.piece().pointAt(half));
         if (reach <= 2.0 * tolerance)
             continue;
         // Between two points within the tolerance a straight line stays within it of another straight line.
@@ -259,7 +262,8 @@ bool isInOverlap(
         if (p.isEqualTo(o.start, tol) || p.isEqualTo(o.end, tol))
             return true;
         const auto [low, high] = std::minmax(o.secondFrom, o.secondTo);
-        return c.at.first >= o.firstFrom && c.at.first <= o.firstTo && c.at.second >= low && c.at.second <= high;
+        return c.at.first >= o.firstFrom && c.at.first <= o.firstTo && c.at.second >= low
+            && c.at.second <= high;
     });
 }
 
@@ -312,8 +316,8 @@ KcGeCrossing2d crossingOf(const std::vector<Candidate>& cluster, const Operand& 
     KcGeCrossing2d crossing;
     Meeting at = roots.empty() ? cluster.front().at : roots.front();
     if (roots.size() > 1) {
-        const auto end = std::find_if(
-            cluster.begin(), cluster.end(), [](const Candidate& c) { return c.isEnd; });
+        const auto end
+            = std::find_if(cluster.begin(), cluster.end(), [](const Candidate& c) { return c.isEnd; });
         const bool overSeam = std::abs(roots.front().first - roots.back().first) > 0.5;
         at = overSeam && end != cluster.end() ? end->at : touchPoint(roots.front(), roots.back(), a, b);
     }
@@ -330,8 +334,7 @@ KcGeCrossing2d crossingOf(const std::vector<Candidate>& cluster, const Operand& 
     crossing.second = at.second;
     crossing.point = !isExactEnd(at.first) && isExactEnd(at.second) ? b.piece().pointAt(at.second)
                                                                     : a.piece().pointAt(at.first);
-    crossing.tangent
-        = roots.size() > 1 || std::abs(sineBetween(a, at.first, b, at.second)) <= kTangentSine;
+    crossing.tangent = roots.size() > 1 || std::abs(sineBetween(a, at.first, b, at.second)) <= kTangentSine;
     return crossing;
 }
 
@@ -401,7 +404,8 @@ intersect(const KcGeSegment2d& first, const KcGeSegment2d& second, const KcGeInt
         return x.at.first < y.at.first;
     });
 
-    // Meetings in the order of the first piece; strands of the second that pass the same place are told apart.
+    // Meetings in the order of the first piece; strands of the second that pass the same place are told
+    // apart.
     constexpr size_t kStrands = 8; // more strands of one piece do not pass one place of another
     std::vector<std::vector<Candidate>> clusters;
     for (const Candidate& c : candidates) {
@@ -412,7 +416,8 @@ intersect(const KcGeSegment2d& first, const KcGeSegment2d& second, const KcGeInt
         const auto oldest = clusters.rbegin() + long(std::min(clusters.size(), kStrands));
         auto same = std::find_if(clusters.rbegin(), oldest, isOne);
         if (same == oldest)
-            same = !clusters.empty() && isOne(clusters.front()) ? std::prev(clusters.rend()) : clusters.rend();
+            same
+                = !clusters.empty() && isOne(clusters.front()) ? std::prev(clusters.rend()) : clusters.rend();
         if (same != clusters.rend())
             same->push_back(c);
         else

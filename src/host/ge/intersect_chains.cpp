@@ -31,7 +31,8 @@ KcGeBoxTree treeOf(std::span<const KcGeSegment2d> chain)
 
 bool isWholeChain(std::span<const KcGeSegment2d> chain, double tolerance)
 {
-    return !chain.empty() && chain.front().startPoint().isEqualTo(chain.back().endPoint(), { tolerance, tolerance });
+    return !chain.empty()
+        && chain.front().startPoint().isEqualTo(chain.back().endPoint(), { tolerance, tolerance });
 }
 
 /// One chain's part in a crossing.
@@ -119,7 +120,8 @@ private:
         const double size = 4.0 * m_tolerance;
         return { std::llround(p.x / size), std::llround(p.y / size) };
     }
-    template <class Visit> bool anyNear(const std::multimap<Cell, size_t>& grid, KcGePoint2d p, Visit visit) const
+    template <class Visit>
+    bool anyNear(const std::multimap<Cell, size_t>& grid, KcGePoint2d p, Visit visit) const
     {
         const Cell cell = cellOf(p);
         for (long long dx = -1; dx <= 1; ++dx)
@@ -144,10 +146,10 @@ private:
             return isSame(c, { o.firstPiece, o.first }, { o.secondPiece, o.second });
         });
         return inGrid || anyNear(m_overlapEnds, c.point, [&](size_t k) {
-            const KcGeChainOverlap2d& o = m_overlaps[k];
-            return isSame(c, { o.firstFromPiece, o.firstFrom }, { o.secondFromPiece, o.secondFrom })
-                || isSame(c, { o.firstToPiece, o.firstTo }, { o.secondToPiece, o.secondTo });
-        });
+                   const KcGeChainOverlap2d& o = m_overlaps[k];
+                   return isSame(c, { o.firstFromPiece, o.firstFrom }, { o.secondFromPiece, o.secondFrom })
+                       || isSame(c, { o.firstToPiece, o.firstTo }, { o.secondToPiece, o.secondTo });
+               });
     }
     void keep(const KcGeChainCrossing2d& c, std::vector<KcGeChainCrossing2d>& points)
     {

@@ -73,7 +73,8 @@ std::vector<Stretch> steadyStretches(const KcGeSegment2d& piece)
     return result;
 }
 
-/// Nearest parameters, as fractions, of two straight stretches (Ericson, Real-Time Collision Detection, 5.1.9).
+/// Nearest parameters, as fractions, of two straight stretches (Ericson, Real-Time Collision
+/// Detection, 5.1.9).
 std::array<double, 2> nearestFractions(KcGePoint2d p, KcGeVector2d d, KcGePoint2d q, KcGeVector2d e)
 {
     const KcGeVector2d r = p - q;
@@ -262,7 +263,8 @@ std::vector<Meeting> meetingsOfCurves(
         const auto isSame = [&](const Meeting& n) {
             return first.pointAt(m.first).distanceTo(first.pointAt(n.first)) <= tolerance / 2.0
                 && std::abs(m.second - n.second) < 0.5
-                && second.pointAt((m.second + n.second) / 2.0).distanceTo(first.pointAt(m.first)) <= tolerance;
+                && second.pointAt((m.second + n.second) / 2.0).distanceTo(first.pointAt(m.first))
+                <= tolerance;
         };
         constexpr size_t kBack = 8;
         const auto oldest = result.rbegin() + long(std::min(result.size(), kBack));
@@ -295,7 +297,8 @@ std::vector<KcGeCrossing2d> selfIntersections(const KcGeSegment2d& piece, double
     for (const Meeting& m : search.take()) {
         const double apart = m.second - m.first;
         const KcGePoint2d p = piece.pointAt(m.first);
-        const bool seam = closed && apart > 0.5 && p.isEqualTo(piece.startPoint(), { 2.0 * tolerance, tolerance });
+        const bool seam
+            = closed && apart > 0.5 && p.isEqualTo(piece.startPoint(), { 2.0 * tolerance, tolerance });
         const bool along = p.distanceTo(piece.pointAt((m.first + m.second) / 2.0)) <= tolerance
             && p.distanceTo(piece.pointAt(m.first + apart / 4.0)) <= tolerance;
         if (!seam && !along && apart > 0.0)

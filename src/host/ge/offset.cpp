@@ -61,8 +61,8 @@ std::optional<KcGeSegment2d> rawOffset(const KcGeSegment2d& piece, double left)
 KcGeSegment2d stretchedTo(const KcGeSegment2d& piece, double from, double to)
 {
     if (const KcGeCircArc2d* arc = piece.asArc())
-        return KcGeSegment2d::arc(
-            { arc->center(), arc->radius(), arc->startAngle() + from * arc->sweep(), (to - from) * arc->sweep() });
+        return KcGeSegment2d::arc({ arc->center(), arc->radius(), arc->startAngle() + from * arc->sweep(),
+                                    (to - from) * arc->sweep() });
     return KcGeSegment2d::line(piece.pointAt(from), piece.pointAt(to));
 }
 
@@ -190,7 +190,8 @@ private:
         }
         if (!tip)
             return false;
-        const KcGeSegment2d out = stretchedTo(before, 1.0, tip->first), back = stretchedTo(after, tip->second, 0.0);
+        const KcGeSegment2d out = stretchedTo(before, 1.0, tip->first),
+                            back = stretchedTo(after, tip->second, 0.0);
         // A tip that reaches over another part of the chain may come out on its far side.
         KcGeExtents3d box = boxOf(out, kPoint);
         box.addExtents(boxOf(back, kPoint));
@@ -198,7 +199,8 @@ private:
         bool blocked = false;
         m_tree.overlapping(box, [&](size_t j) {
             if (j != i && j != next)
-                blocked = blocked || !intersect(m_chain[j], out).isEmpty() || !intersect(m_chain[j], back).isEmpty();
+                blocked = blocked || !intersect(m_chain[j], out).isEmpty()
+                    || !intersect(m_chain[j], back).isEmpty();
         });
         if (blocked && !m_simple)
             return false;
@@ -228,13 +230,15 @@ private:
     /// True when a point near a tip that reaches over the chain lies on the side that the parallel is on.
     bool isOnFarSide(KcGePoint2d p) const
     {
-        const bool nearTip = std::any_of(
-            m_crossingTips.begin(), m_crossingTips.end(),
-            [p](const KcGeExtents3d& box) { return box.containsInPlan(KcGePoint3d{ p.x, p.y, 0.0 }); });
+        const bool nearTip
+            = std::any_of(m_crossingTips.begin(), m_crossingTips.end(), [p](const KcGeExtents3d& box) {
+                  return box.containsInPlan(KcGePoint3d{ p.x, p.y, 0.0 });
+              });
         if (!nearTip)
             return false;
         const bool leftIsInside = outlineArea(m_chain) > 0.0;
-        return (relationToOutline(m_chain, p) == KcGePointRelation::Inside) != (leftIsInside == (m_left > 0.0));
+        return (relationToOutline(m_chain, p) == KcGePointRelation::Inside)
+            != (leftIsInside == (m_left > 0.0));
     }
 
     /// Takes out what cannot be far enough from the chain: a point's distance changes by no more than the
@@ -324,7 +328,10 @@ private:
     }
 
     using Cell = std::pair<long long, long long>;
-    static Cell cellOf(KcGePoint2d p, double size) { return { std::llround(p.x / size), std::llround(p.y / size) }; }
+    static Cell cellOf(KcGePoint2d p, double size)
+    {
+        return { std::llround(p.x / size), std::llround(p.y / size) };
+    }
     struct CellHash {
         size_t operator()(const Cell& c) const
         {
@@ -410,8 +417,8 @@ private:
         forNear(starts, end, kNode, [&](size_t j) {
             if (m_slices[j].used || m_slices[j].piece.startPoint().distanceTo(end) > kNode)
                 return;
-            const double turn
-                = turnBetween(in, m_slices[j].piece.sampledDirection(false, kSampled)) * (m_left > 0 ? 1 : -1);
+            const double turn = turnBetween(in, m_slices[j].piece.sampledDirection(false, kSampled))
+                * (m_left > 0 ? 1 : -1);
             if (!best || turn > bestTurn) {
                 best = j;
                 bestTurn = turn;
@@ -448,7 +455,8 @@ private:
         std::vector<Run> runs;
         for (const size_t k : order) {
             const Slice& s = m_slices[k];
-            if (!runs.empty() && runs.back().raw == s.raw && runs.back().to == s.from) { // exact: the same cut
+            if (!runs.empty() && runs.back().raw == s.raw
+                && runs.back().to == s.from) { // exact: the same cut
                 runs.back().piece = joined(runs.back().piece, s.piece);
                 runs.back().to = s.to;
             } else {
@@ -485,7 +493,7 @@ private:
 
     static KcGeSegment2d joined(const KcGeSegment2d& a, const KcGeSegment2d& b)
     {
-        if (const KcGeCircArc2d *x = a.asArc(), *y = b.asArc(); x && y)
+        if (const KcGeCircArc2d* x = a.asArc(), *y = b.asArc(); x && y)
             return KcGeSegment2d::arc({ x->center(), x->radius(), x->startAngle(), x->sweep() + y->sweep() });
         return KcGeSegment2d::line(a.startPoint(), b.endPoint());
     }
@@ -502,7 +510,9 @@ private:
                 && x->isClockwise() == y->isClockwise()
                 && std::abs(x->sweep() + y->sweep()) < kTwoPi - KcGeContext::gTol.equalPoint;
             const bool sameLine = before.isLine() && piece.isLine()
-                && KcGeSegment2d::line(before.startPoint(), piece.endPoint()).closest(piece.startPoint()).distance
+                && KcGeSegment2d::line(before.startPoint(), piece.endPoint())
+                        .closest(piece.startPoint())
+                        .distance
                     <= kNearer
                 && before.endDirection().dotProduct(piece.startDirection()) > 0.0;
             if (sameCircle || sameLine) {

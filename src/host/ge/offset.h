@@ -37,7 +37,8 @@ struct KcGeChain2d {
 /// distance of its middle from the chain (after X.-Z. Liu et al., An offset algorithm for polyline curves,
 /// Computers in Industry 58, 2007). The time is nearly proportional to the number of pieces.
 std::optional<std::vector<KcGeChain2d>> offsetChain(
-    std::span<const KcGeSegment2d> chain, bool closed, double distance, const KcGeOffsetOptions& options = {});
+    std::span<const KcGeSegment2d> chain, bool closed, double distance,
+    const KcGeOffsetOptions& options = {});
 
 /// The parallels of a whole curve in its plane, seen against its normal, as `offsetChain` has it: lines,
 /// arcs and polylines as such, ellipses and splines as splines, lines without ends too. Nothing for curves of

@@ -25,9 +25,15 @@ struct Parallel {
     const KcGeSegment2d& source;
     double left;
 
-    KcGePoint2d pointAt(double t) const { return source.pointAt(t) + source.directionAt(t).perpVector() * left; }
+    KcGePoint2d pointAt(double t) const
+    {
+        return source.pointAt(t) + source.directionAt(t).perpVector() * left;
+    }
     /// The derivative after the source's parameter (the normal turns by the curvature along the curve).
-    KcGeVector2d derivAt(double t) const { return source.firstDeriv(t) * (1.0 - source.curvatureAt(t) * left); }
+    KcGeVector2d derivAt(double t) const
+    {
+        return source.firstDeriv(t) * (1.0 - source.curvatureAt(t) * left);
+    }
 };
 
 KcGePoint2d pointOf(const Bezier& b, double u)
@@ -39,11 +45,14 @@ KcGePoint2d pointOf(const Bezier& b, double u)
 }
 
 /// Cubics with the parallel's points and derivatives at their ends, halved until they are near enough.
-void fit(const Parallel& parallel, double from, double to, double tolerance, int depth, std::vector<Bezier>& fitted)
+void fit(
+    const Parallel& parallel, double from, double to, double tolerance, int depth,
+    std::vector<Bezier>& fitted)
 {
     const double h = to - from;
     const KcGePoint2d start = parallel.pointAt(from), end = parallel.pointAt(to);
-    const Bezier cubic{ start, start + parallel.derivAt(from) * (h / 3.0), end - parallel.derivAt(to) * (h / 3.0), end };
+    const Bezier cubic{ start, start + parallel.derivAt(from) * (h / 3.0),
+                        end - parallel.derivAt(to) * (h / 3.0), end };
     constexpr int kDeepest = 14;
     bool near = true;
     for (const double u : { 0.25, 0.5, 0.75 })
@@ -61,7 +70,8 @@ void fit(const Parallel& parallel, double from, double to, double tolerance, int
 void addSimple(const KcGeSegment2d& piece, std::vector<Bezier>& fitted)
 {
     const KcGeCircArc2d* arc = piece.asArc();
-    // A cubic leaves an arc by about 2.7e-4 radii at a quarter turn and by the sixth power of the angle below.
+    // A cubic leaves an arc by about 2.7e-4 radii at a quarter turn and by the sixth power of the angle
+    // below.
     constexpr double kMostTurn = kPi / 16.0;
     const int parts = arc ? 1 + int(std::abs(arc->sweep()) / kMostTurn) : 1;
     for (int i = 0; i < parts; ++i) {
@@ -69,7 +79,8 @@ void addSimple(const KcGeSegment2d& piece, std::vector<Bezier>& fitted)
         const KcGePoint2d start = piece.pointAt(from), end = piece.pointAt(to);
         const double reach = arc ? arc->radius() * 4.0 / 3.0 * std::tan(std::abs(arc->sweep()) / parts / 4.0)
                                  : start.distanceTo(end) / 3.0;
-        fitted.push_back({ start, start + piece.directionAt(from) * reach, end - piece.directionAt(to) * reach, end });
+        fitted.push_back(
+            { start, start + piece.directionAt(from) * reach, end - piece.directionAt(to) * reach, end });
     }
 }
 

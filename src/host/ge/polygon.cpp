@@ -170,7 +170,8 @@ double KcGePolygon2d::area() const
     const size_t count = m_vertices.size();
     for (size_t i = 0; i < count; ++i) {
         const KcGePoint2d start = m_vertices[i].point, end = m_vertices[(i + 1) % count].point;
-        const KcGePoint2d origin = m_vertices.front().point; // near: far from the drawing's origin digits are lost
+        const KcGePoint2d origin
+            = m_vertices.front().point; // near: far from the drawing's origin digits are lost
         twice += (start - origin).crossProduct(end - origin);
         bulges += bulgeSegmentArea(start, end, m_vertices[i].bulge);
     }
