@@ -176,6 +176,16 @@ KcGeExtents3d KcDbBlockReference::definitionExtents(KcDbObjectId block)
 
 KcGeMatrix3d KcDbBlockReference::blockTransform() const
 {
+    if (isWorldPlane(m_data.normal)) {
+        // The product below, worked out: a drawing holds a million of these.
+        const double c = std::cos(m_data.rotation), s = std::sin(m_data.rotation);
+        const KcGeVector3d x{ c * m_data.scale.x, s * m_data.scale.x, 0.0 };
+        const KcGeVector3d y{ -s * m_data.scale.y, c * m_data.scale.y, 0.0 };
+        const KcGeVector3d z{ 0.0, 0.0, m_data.scale.z };
+        const KcGeVector3d origin = originOf(m_data.block);
+        return KcGeMatrix3d::fromAxes(
+            m_data.position - x * origin.x - y * origin.y - z * origin.z, x, y, z);
+    }
     return placement(m_data) * KcGeMatrix3d::scaling(m_data.scale)
         * KcGeMatrix3d::translation(-originOf(m_data.block));
 }
@@ -300,8 +310,10 @@ constexpr int kMostCells = 250'000; // of an array: more are a slip of the hand
 
 void KcDbBlockReference::worldDraw(KcGiWorldDraw& draw) const
 {
-    const Array cell, &cells = m_data.array ? *m_data.array : cell;
     const KcGeMatrix3d first = blockTransform();
+    if (!m_data.array)
+        return draw.block(m_data.block, first);
+    const Array& cells = *m_data.array;
     const KcGeMatrix3d plane = KcGeMatrix3d::planeToWorld(m_data.normal)
         * KcGeMatrix3d::rotation(m_data.rotation);
     const int columns = std::clamp(cells.columns, 1, kMostCells), rows = std::clamp(cells.rows, 1, kMostCells);

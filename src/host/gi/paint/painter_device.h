@@ -29,11 +29,13 @@ public:
     void pushClip(const QPainterPath& path) override;
     void popClip() override;
 
+protected:
+    QPainter& m_painter;
+    Options m_options;
+
 private:
     void setPen(const Pen& pen);
 
-    QPainter& m_painter;
-    Options m_options;
     QRgb m_penColor = 0;
     double m_penWidth = -1.0;
 };

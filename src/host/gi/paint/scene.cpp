@@ -41,6 +41,8 @@ KcGiScene::KcGiScene(KcDbDatabase& database, KcGiDevice& device, const KcGiScene
         m_linetypeScale = header->real("$LTSCALE", 1.0);
     if (!(m_linetypeScale > 0.0) || !std::isfinite(m_linetypeScale))
         m_linetypeScale = 1.0;
+    m_byLayerLinetype = database.byLayerLinetype();
+    m_byBlockLinetype = kcdbFindRecord(database.linetypeTable(), QStringLiteral("ByBlock"));
     m_context.blockColor = isLight(options.background) ? 0xff000000 : 0xffffffff;
     enter(options.toDevice);
 }
@@ -77,6 +79,8 @@ const KcGiScene::Layer& KcGiScene::layer(KcDbObjectId id)
     Layer& layer = at->second;
     if (!isNew)
         return layer;
+    layer.id = id.stub();
+    layer.isZero = id.isNull() || kcdbRecordName(id) == u"0";
     if (const KcDbRead<KcDbLayerTableRecord> record(id); record) {
         layer.color = { record->data().color.index, record->data().color.rgb };
         layer.linetype = record->linetypeObjectId();
@@ -229,8 +233,7 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
         return;
     const Layer* own = &layer(entity.layerId());
     // What lies on the layer "0" of a definition takes the layer of the reference.
-    static const QString zero = QStringLiteral("0");
-    if (m_context.blockLayer && (entity.layerId().isNull() || entity.layer() == zero))
+    if (m_context.blockLayer && own->isZero)
         own = m_context.blockLayer;
     if (own->frozen || (m_options.plotting && !own->plottable))
         return;
@@ -249,9 +252,9 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
     m_traits = {};
     m_traits.color = qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alphaOf(entity));
     const KcDbObjectId linetype = entity.linetypeId();
-    if (linetype.isNull() || linetype == m_database.byLayerLinetype())
+    if (linetype.isNull() || linetype == m_byLayerLinetype)
         m_traits.pattern = pattern(own->linetype);
-    else if (kcdbRecordName(linetype).compare(QLatin1String("ByBlock"), Qt::CaseInsensitive) == 0)
+    else if (linetype == m_byBlockLinetype)
         m_traits.pattern = m_context.blockPattern;
     else
         m_traits.pattern = pattern(linetype);
@@ -280,17 +283,56 @@ void KcGiScene::block(KcDbObjectId definition, const KcGeMatrix3d& toCurrent)
                 return leftOut(QStringLiteral("a block at no place that could be drawn"));
 
     const KcGeExtents3d box = KcDbBlockReference::definitionExtents(definition);
-    const KcGeExtents3d placed = box.isEmpty() ? box : toCurrent.transformed(box);
-    if (!box.isEmpty() && !wants(placed))
+    if (!box.isEmpty() && !wants(toCurrent.transformed(box)))
         return;
-    if (!box.isEmpty() && m_device.smallest() > 0.0) {
-        const KcGeExtents3d seen = m_context.matrix.transformed(placed);
-        if (std::max(seen.width(), seen.height()) < m_device.smallest()) {
-            const KcGePoint3d center = seen.center();
-            return m_device.dot({ center.x, center.y }, m_traits.color);
-        }
-    }
+    if (!box.isEmpty() && m_device.smallest() > 0.0 && placed(definition, toCurrent, box))
+        return;
 
+    drawDefinition(definition, *record, m_context.matrix * toCurrent);
+}
+
+// True when the device has something quicker than drawing all of a definition.
+bool KcGiScene::placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, const KcGeExtents3d& box)
+{
+    const KcGeMatrix3d matrix = m_context.matrix * toCurrent;
+    const KcGeExtents3d seen = matrix.transformed(box);
+    if (std::max(seen.width(), seen.height()) < m_device.smallest()) {
+        const KcGePoint3d center = seen.center();
+        m_device.dot({ center.x, center.y }, m_traits.color);
+        return true;
+    }
+    // What is half transparent, or takes gaps from the reference's line type, is drawn.
+    if (qAlpha(m_traits.color) != 255 || m_traits.pattern || m_options.oneColor
+        || m_options.unitsPerMillimetre > 0.0)
+        return false;
+    KcGiDevice::Placement placement;
+    placement.definition = definition.stub();
+    placement.color = m_traits.color;
+    placement.layer = m_layer ? m_layer->id : nullptr;
+    placement.box = QRectF(seen.min.x, seen.min.y, seen.width(), seen.height());
+    placement.linear = QTransform(
+        matrix.entry(0, 0), matrix.entry(1, 0), matrix.entry(0, 1), matrix.entry(1, 1), 0.0, 0.0);
+    placement.origin = { matrix.entry(0, 3), matrix.entry(1, 3) };
+    return m_device.place(placement, [&](KcGiDevice& device, const QTransform& to) {
+        KcGiSceneOptions options = m_options;
+        options.progress = {};
+        options.area = QRectF(-1e4, -1e4, 2e4, 2e4);
+        KcGiScene inner(m_database, device, options);
+        const KcDbRead<KcDbBlockTableRecord> record(definition);
+        inner.m_definitions = m_definitions;
+        inner.m_entity = m_entity;
+        inner.m_layer = m_layer;
+        inner.m_traits = m_traits;
+        inner.drawDefinition(
+            definition, *record,
+            KcGeMatrix3d::fromAxes(
+                { to.dx(), to.dy(), 0 }, { to.m11(), to.m12(), 0 }, { to.m21(), to.m22(), 0 }, { 0, 0, 1 }));
+    });
+}
+
+void KcGiScene::drawDefinition(
+    KcDbObjectId definition, const KcDbBlockTableRecord& record, const KcGeMatrix3d& matrix)
+{
     const Context before = m_context;
     const Traits traitsBefore = m_traits;
     m_context.blockColor = m_traits.color | 0xff000000u;
@@ -299,9 +341,9 @@ void KcGiScene::block(KcDbObjectId definition, const KcGeMatrix3d& toCurrent)
         = m_entity && m_layer ? lineWeightOf(m_entity->lineWeight(), *m_layer) : kDefaultWeight;
     m_context.blockAlpha = qAlpha(m_traits.color);
     m_context.blockLayer = m_layer;
-    enter(before.matrix * toCurrent);
+    enter(matrix);
     m_definitions.push_back(definition);
-    for (const KcDbObjectId id : *record) {
+    for (const KcDbObjectId id : record) {
         if (isStopped())
             break;
         const KcDbRead<KcDbEntity> entity(id);

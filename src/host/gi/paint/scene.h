@@ -65,8 +65,10 @@ private:
     struct Layer {
         KcGiColor color{ 7, -1 };
         QRgb rgb = 0;
+        const void* id = nullptr;
         KcDbObjectId linetype;
         int lineWeight = -3;
+        bool isZero = false; ///< the layer "0"
         bool off = false, frozen = false, plottable = true;
     };
     /// A line type in drawing units at scale 1; empty: no gaps.
@@ -103,6 +105,9 @@ private:
     int alphaOf(const KcDbEntity& entity) const;
     void enter(const KcGeMatrix3d& toDevice);
     void drawOne(const KcDbEntity& entity);
+    bool placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, const KcGeExtents3d& box);
+    void
+    drawDefinition(KcDbObjectId definition, const KcDbBlockTableRecord& record, const KcGeMatrix3d& matrix);
     bool drawAll(const std::vector<KcDbObjectId>& ids);
     QPainterPath plane(const KcGiPath& path) const;
     void dash(const KcGiPath& path, Stroke options);
@@ -120,6 +125,7 @@ private:
     std::vector<KcDbObjectId> m_definitions; ///< being drawn, outermost first
     std::map<QString, size_t> m_leftOut;
     double m_linetypeScale = 1.0;
+    KcDbObjectId m_byLayerLinetype, m_byBlockLinetype;
     size_t m_visits = 0;
     bool m_stopped = false;
 };
