@@ -265,7 +265,6 @@ TEST(RegionSearch, GeneratedLineworkAgainstItsTruth)
         { "clean", { QStringLiteral("--clean") }, 0.0 },
         { "dirty", {}, 0.0 },
         { "gaps", { QStringLiteral("--gap"), QStringLiteral("0.2") }, 0.21 },
-        { "far away", { QStringLiteral("--origin"), QStringLiteral("4.0e8"), QStringLiteral("5.0e8") }, 0.0 },
         { "splines of several spans and ellipses", { QStringLiteral("--smooth"), QStringLiteral("0.4") }, 0.0 },
     };
     for (const Row& row : rows)
