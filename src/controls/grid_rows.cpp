@@ -26,9 +26,11 @@ CSGrid::CSGrid(int treeGrid, long)
 CSGrid::~CSGrid()
 {
     CloseEditor();
-    for (CSGridRow* row : m_rows.all())
-        if (!row->IsChildRow())
-            delete row;
+    // Deleting a parent deletes its children, which must not be asked any more.
+    std::vector<CSGridRow*> owned = m_rows.all();
+    std::erase_if(owned, [](const CSGridRow* row) { return row->IsChildRow() != 0; });
+    for (CSGridRow* row : owned)
+        delete row;
 }
 
 void CSGrid::Create(QWidget* parent, const QString& name, unsigned style)
