@@ -117,8 +117,12 @@ private:
     using Cell = std::pair<long long, long long>;
     Cell cellOf(KcGePoint2d p) const
     {
+        // Beyond the farthest, doubles cannot tell cells apart, and integers would overflow.
+        static constexpr double kFarthest = 1e15;
         const double size = 4.0 * m_tolerance;
-        return { std::llround(p.x / size), std::llround(p.y / size) };
+        const auto cell
+            = [size](double x) { return std::llround(std::clamp(x / size, -kFarthest, kFarthest)); };
+        return { cell(p.x), cell(p.y) };
     }
     template <class Visit>
     bool anyNear(const std::multimap<Cell, size_t>& grid, KcGePoint2d p, Visit visit) const

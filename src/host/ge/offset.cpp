@@ -330,12 +330,16 @@ private:
     using Cell = std::pair<long long, long long>;
     static Cell cellOf(KcGePoint2d p, double size)
     {
-        return { std::llround(p.x / size), std::llround(p.y / size) };
+        // Beyond that doubles cannot tell cells apart, and integers would overflow.
+        static constexpr double kFarthest = 1e15;
+        const auto cell
+            = [size](double x) { return std::llround(std::clamp(x / size, -kFarthest, kFarthest)); };
+        return { cell(p.x), cell(p.y) };
     }
     struct CellHash {
         size_t operator()(const Cell& c) const
         {
-            return std::hash<long long>()(c.first * 73856093LL ^ c.second * 19349663LL);
+            return size_t(c.first) * 73856093u ^ size_t(c.second) * 19349663u;
         }
     };
     using Grid = std::unordered_multimap<Cell, size_t, CellHash>;
