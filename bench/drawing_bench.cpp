@@ -12,6 +12,7 @@
 #include "ed/editor.h"
 #include "ed/host_commands.h"
 #include "ed/input_source.h"
+#include "ed/message_boxes.h"
 #include "ed/module.h"
 #include "platform/app_root.h"
 #include "platform/message_box.h"
@@ -285,9 +286,7 @@ int main(int argc, char** argv)
     platform::setAppRoot(folder.filePath("root"));
     if (const platform::Status root = platform::prepareAppRoot(); !root)
         fail(root.error);
-    platform::setMessageBoxHandler([](const platform::MessageBoxRequest& request) {
-        return KcEdEditor::instance().answerMessageBox(request);
-    });
+    kcedInstallDialogHandlers();
     kcedRegisterHostCommands();
     if (const platform::Status loaded = kcrxDynamicLinker().loadModule(kcrxMainModulePath()); !loaded)
         fail(loaded.error);
