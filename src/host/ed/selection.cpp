@@ -12,6 +12,7 @@
 #include "ed/editor.h"
 #include "ed/pick_region.h"
 #include "ed/system_variables.h"
+#include "ed/view.h"
 
 namespace {
 
@@ -318,10 +319,13 @@ KcEdSelectionAnswer kcedSelect(const KcEdSelectionRequest& request)
         const auto* line = std::get_if<KcEdSelectionLine>(&typed);
         return line ? apply(*document, *line, filter, answer.set) : QString();
     };
+    KcEdMarks marks;
     for (;;) {
         const KcEdAnswer typed = KcEdEditor::instance().ask(prompt);
-        if (std::holds_alternative<KcEdSelectionLine>(typed))
+        if (std::holds_alternative<KcEdSelectionLine>(typed)) {
+            marks.show(answer.set.ids());
             continue;
+        }
         if (const auto* keyword = std::get_if<KcEdKeyword>(&typed)) {
             answer.keyword = keyword->name;
             answer.status = kcedKeyword;

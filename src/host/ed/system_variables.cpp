@@ -64,6 +64,8 @@ constexpr Variable kVariables[] = {
     { "PDSIZE", Home::Header, Type::Real, false, 40, -kMost, kMost, 0 },
     { "PICKBOX", Home::Session, Type::Integer, false, 0, 0, 50, 3 },
     { "PICKFIRST", Home::Session, Type::Integer, false, 0, 0, 1, 1 },
+    { "POLARANG", Home::Session, Type::Real, false, 0, 1, 180, 45 },
+    { "POLARMODE", Home::Session, Type::Integer, false, 0, 0, 1, 0 },
     { "TEXTSIZE", Home::Header, Type::Real, false, 40, 1e-99, kMost, 2.5 },
     { "TEXTSTYLE", Home::Header, Type::Text, false, 7, 0, 0, 0, "STYLE" },
     { "TILEMODE", Home::Computed, Type::Integer, false, 0, 0, 1, 1 },

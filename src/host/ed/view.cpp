@@ -63,7 +63,7 @@ KcEdView kcedView(KcApDocument& document)
     return *viewsOf(document).current;
 }
 
-bool kcedSetView(KcApDocument& document, const KcEdView& view)
+bool kcedSetView(KcApDocument& document, const KcEdView& view, bool goesOn)
 {
     if (!std::isfinite(view.center.x) || !std::isfinite(view.center.y) || !std::isfinite(view.height)
         || !(view.height > 0.0))
@@ -72,7 +72,8 @@ bool kcedSetView(KcApDocument& document, const KcEdView& view)
     const KcEdView shown{ view.center, std::clamp(view.height, kSmallestHeight, kLargestHeight) };
     if (shown == *views.current)
         return true;
-    views.before.push_back(*views.current);
+    if (!goesOn || views.before.empty())
+        views.before.push_back(*views.current);
     if (views.before.size() > kRememberedViews)
         views.before.erase(views.before.begin());
     views.current = shown;

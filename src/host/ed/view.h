@@ -45,9 +45,9 @@ KcEdViewWindow* kcedViewWindow();
 /// The view of the current space: as it was set last, else the one the drawing was saved with, else one that
 /// shows everything.
 KcEdView kcedView(KcApDocument& document);
-/// Shows another part. The view before it is remembered. False when a value is no number, or the height is
-/// not positive.
-bool kcedSetView(KcApDocument& document, const KcEdView& view);
+/// Shows another part. The view before it is remembered, unless this goes on with the same movement (a pan, a
+/// turn of the wheel) that led to it. False when a value is no number, or the height is not positive.
+bool kcedSetView(KcApDocument& document, const KcEdView& view, bool goesOn = false);
 /// Back to the view before; false when there is none.
 bool kcedPreviousView(KcApDocument& document);
 /// The view that shows a box with a margin; nothing for an empty box.
@@ -63,6 +63,23 @@ void kcedRegenerate();
 void kcedUpdateDisplay();
 /// Marks entities for the user, or takes the mark away.
 void kcedHighlight(const std::vector<KcDbObjectId>& ids, bool on);
+/// Marks entities for the length of a scope.
+class KcEdMarks {
+public:
+    KcEdMarks() = default;
+    ~KcEdMarks() { kcedHighlight(m_ids, false); }
+    KcEdMarks(const KcEdMarks&) = delete;
+    KcEdMarks& operator=(const KcEdMarks&) = delete;
+    /// Takes the place of what was marked before.
+    void show(std::vector<KcDbObjectId> ids)
+    {
+        kcedHighlight(std::exchange(m_ids, std::move(ids)), false);
+        kcedHighlight(m_ids, true);
+    }
+
+private:
+    std::vector<KcDbObjectId> m_ids;
+};
 /// Zooms so that a box is in the middle of the view and well to be seen.
 void kcedShowPlace(const KcGeExtents3d& box);
 /// Where a box in world coordinates lies on the screen, in pixels; nothing without a window.

@@ -3,7 +3,7 @@
 #include "ui/canvas.h"
 
 #include "ed/selection.h"
-#include "ed/system_variables.h"
+#include "ui/palette.h"
 #include "ui/window_source.h"
 
 #include <QKeyEvent>
@@ -17,19 +17,8 @@ constexpr double kWheelStep = 1.2; // zoom of one notch
 constexpr int kDragPixels = 5; // a button that moves less was a click
 constexpr int kFrameDelay = 15; // milliseconds; changes that follow one another closely cost one picture
 constexpr int kNotch = 120; // of a wheel, in the toolkit's units
-
-bool takesPoint(KcEdPrompt::Kind kind)
-{
-    switch (kind) {
-    case KcEdPrompt::Kind::Point:
-    case KcEdPrompt::Kind::Corner:
-    case KcEdPrompt::Kind::Distance:
-    case KcEdPrompt::Kind::Track:
-        return true;
-    default:
-        return false;
-    }
-}
+constexpr int kWheelPause = 700; // milliseconds; turns closer to each other are one change of the view
+constexpr int kAtOnce = 40; // milliseconds; pictures that take less are not shown stretched first
 
 } // namespace
 
@@ -46,7 +35,10 @@ KcUiCanvas::KcUiCanvas(KcUiWindowSource& source, QWidget* parent)
     setMinimumSize(200, 150);
     m_frameTimer.setSingleShot(true);
     QObject::connect(&m_frameTimer, &QTimer::timeout, this, [this] { renderFrame(); });
+    m_marksTimer.setInterval(0);
+    QObject::connect(&m_marksTimer, &QTimer::timeout, this, [this] { showMarks(); });
     kcedSetViewWindow(this);
+    kcedSetPreviewHolder(&m_previewHolder);
 }
 
 KcUiCanvas::~KcUiCanvas()
@@ -54,6 +46,7 @@ KcUiCanvas::~KcUiCanvas()
     setDocument(nullptr);
     if (kcedViewWindow() == this)
         kcedSetViewWindow(nullptr);
+    kcedSetPreviewHolder(nullptr);
 }
 
 void KcUiCanvas::setDocument(KcApDocument* document)
@@ -64,6 +57,8 @@ void KcUiCanvas::setDocument(KcApDocument* document)
     if (m_document)
         m_document->database().addListener(this);
     m_highlighted.clear();
+    m_selected.clear();
+    m_picture.setDatabase(m_document ? &m_document->database() : nullptr);
     regenerate();
 }
 
@@ -73,14 +68,23 @@ void KcUiCanvas::setPrompt(const KcEdPrompt* prompt)
         m_prompt = *prompt;
     else
         m_prompt.reset();
-    m_rectangleFrom.reset();
-    m_dragging = false;
+    if (!m_zoomsWindow) {
+        m_rectangleFrom.reset();
+        m_dragging = false;
+    }
+    if (m_document && m_document->pickFirst.ids() != m_selected)
+        planMarks();
+    // The new prompt may draw the cursor elsewhere, and a drag begins with what is under it. A command that
+    // tracks the cursor hears of real moves only: it asks again after each.
+    if (m_prompt && m_inside && m_prompt->kind != KcEdPrompt::Kind::Track)
+        moveCursor(m_pixel);
     QWidget::update();
 }
 
 void KcUiCanvas::setDark(bool dark)
 {
     m_dark = dark;
+    m_picture.setColors(kcuiPalette(dark).background.rgb(), kcuiPalette(dark).mark.rgb());
     regenerate();
 }
 
@@ -114,29 +118,32 @@ void KcUiCanvas::zoomWindow()
 
 void KcUiCanvas::viewChanged()
 {
-    m_frameStale = true;
-    planFrame(m_panFrom ? 0 : kFrameDelay);
-    if (m_inside)
+    // What is quickly drawn, and a step of a pan, is shown at once; else the last picture, moved and stretched,
+    // until the new one is there.
+    if (m_panFrom || m_renderTime < kAtOnce)
+        renderFrame();
+    else
+        planFrame(kFrameDelay);
+    if (m_inside && !m_panFrom)
         moveCursor(m_pixel);
     QWidget::update();
 }
 
 void KcUiCanvas::regenerate()
 {
-    m_frameStale = true;
+    m_picture.contentsChanged();
     planFrame(0);
 }
 
 void KcUiCanvas::contentsChanged()
 {
-    m_frameStale = true;
+    m_picture.contentsChanged();
     planFrame(kFrameDelay);
 }
 
 void KcUiCanvas::update()
 {
-    if (m_frameStale)
-        renderFrame();
+    renderFrame();
     QWidget::repaint();
 }
 
@@ -154,7 +161,13 @@ void KcUiCanvas::highlight(const std::vector<KcDbObjectId>& ids, bool on)
         else
             m_highlighted.erase(id);
     }
-    QWidget::update();
+    planMarks();
+}
+
+void KcUiCanvas::planMarks()
+{
+    m_marksChanged = true;
+    m_marksTimer.start();
 }
 
 QPoint KcUiCanvas::toScreen(KcGePoint2d point) const
@@ -169,10 +182,12 @@ void KcUiCanvas::resizeEvent(QResizeEvent*)
 
 void KcUiCanvas::wheelEvent(QWheelEvent* event)
 {
-    if (m_document && event->angleDelta().y() != 0)
-        kcedSetView(
-            *m_document,
-            map().zoomed(std::pow(kWheelStep, event->angleDelta().y() / double(kNotch)), event->position()));
+    if (m_document && event->angleDelta().y() != 0) {
+        const bool goesOn = m_sinceWheel.isValid() && m_sinceWheel.elapsed() < kWheelPause;
+        m_sinceWheel.start();
+        const double notches = event->angleDelta().y() / double(kNotch);
+        kcedSetView(*m_document, map().zoomed(std::pow(kWheelStep, notches), event->position()), goesOn);
+    }
     event->accept();
 }
 
@@ -190,29 +205,37 @@ void KcUiCanvas::moveCursor(QPointF pixel)
     m_inside = true;
     if (!m_document)
         return;
-    const KcGePoint2d world = map().toModel(pixel);
-    KcGePoint3d point = m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
-    if (m_prompt && m_prompt->base && kcedVarInt("ORTHOMODE", 0) != 0) {
-        const KcGeVector3d way = point - *m_prompt->base;
-        point = *m_prompt->base
-            + (std::abs(way.x) >= std::abs(way.y) ? KcGeVector3d{ way.x, 0, 0 }
-                                                  : KcGeVector3d{ 0, way.y, 0 });
-    }
-    m_point = point;
-    if (m_prompt && m_prompt->kind == KcEdPrompt::Kind::Track)
-        m_source.push(KcEdMove{ m_point });
+    const KcUiScreenMap shown = map();
+    m_aim = kcuiAim(
+        *m_document, m_prompt ? &*m_prompt : nullptr, shown.toModel(pixel), 1.0 / shown.pixelsPerUnit());
+    if (m_prompt && m_source.waiting() && (m_prompt->kind == KcEdPrompt::Kind::Track || m_prompt->drag))
+        m_source.push(KcEdMove{ m_aim.point });
     if (onCursor)
-        onCursor(m_point);
+        onCursor(m_aim.point);
     QWidget::update();
 }
 
 void KcUiCanvas::mouseMoveEvent(QMouseEvent* event)
 {
-    if (m_panFrom && m_document) {
-        kcedSetView(*m_document, map().panned(event->position() - *m_panFrom));
-        m_panFrom = event->position();
-    }
-    moveCursor(event->position());
+    if (m_panFrom)
+        pan(event->position());
+    else
+        moveCursor(event->position());
+}
+
+// Whole pixels of the screen, so that the picture can be moved as it is; the rest stays for the next step.
+void KcUiCanvas::pan(QPointF to)
+{
+    if (!m_document)
+        return;
+    const double ratio = devicePixelRatioF();
+    const QPointF way = to - *m_panFrom;
+    const QPointF step(std::round(way.x() * ratio) / ratio, std::round(way.y() * ratio) / ratio);
+    if (step.isNull())
+        return;
+    *m_panFrom += step;
+    m_pixel = to;
+    kcedSetView(*m_document, map().panned(step), std::exchange(m_panned, true));
 }
 
 void KcUiCanvas::leaveEvent(QEvent*)
@@ -227,7 +250,9 @@ void KcUiCanvas::mousePressEvent(QMouseEvent* event)
     moveCursor(event->position());
     if (event->button() == Qt::MiddleButton) {
         m_panFrom = event->position();
+        m_panned = false;
         setCursor(Qt::ClosedHandCursor);
+        QWidget::update();
     } else if (event->button() == Qt::RightButton) {
         if (onEnter)
             onEnter();
@@ -241,6 +266,7 @@ void KcUiCanvas::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() == Qt::MiddleButton) {
         m_panFrom.reset();
         setCursor(Qt::BlankCursor);
+        moveCursor(event->position());
         return;
     }
     if (event->button() != Qt::LeftButton || !m_dragging)
@@ -253,8 +279,10 @@ void KcUiCanvas::mouseReleaseEvent(QMouseEvent* event)
 
 void KcUiCanvas::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::MiddleButton)
+    if (event->button() == Qt::MiddleButton) {
+        m_panFrom.reset();
         zoomExtents();
+    }
     else
         mousePressEvent(event);
 }
@@ -272,36 +300,47 @@ void KcUiCanvas::press(QPointF pixel, Qt::KeyboardModifiers keys)
     }
     if (!m_prompt || !m_source.waiting())
         return;
-    const bool next = keys & Qt::ControlModifier;
-    if (takesPoint(m_prompt->kind)) {
-        m_source.push(KcEdClick{ m_point });
+    if (kcuiTakesPoint(m_prompt->kind)) {
+        m_source.push(KcEdClick{ m_aim.point });
     } else if (m_prompt->kind == KcEdPrompt::Kind::Entity) {
-        const KcDbObjectId id = entityUnder(pixel, next);
-        m_source.push(KcEdGiven{ KcEdPick{ id.isNull() ? 0 : id.handle(), m_point } });
+        const KcDbObjectId id = entityUnder(pixel);
+        m_source.push(KcEdGiven{ KcEdPick{ id.isNull() ? 0 : id.handle(), m_aim.point } });
     } else if (selects()) {
-        const bool removes = keys & Qt::ShiftModifier;
         if (m_rectangleFrom)
-            return finishRectangle(pixel, removes);
-        const KcDbObjectId id = entityUnder(pixel, next);
-        if (id.isNull()) {
-            m_rectangleFrom = pixel;
-            m_dragging = true;
-            return;
-        }
-        answerSelection({ KcEdSelectionLine::Mode::Handles, removes, {}, { id.handle() } });
+            return finishRectangle(pixel, keys & Qt::ShiftModifier);
+        pickUnder(pixel, keys);
     }
 }
 
-// Picking again at the same place with Ctrl takes what lies below.
-KcDbObjectId KcUiCanvas::entityUnder(QPointF pixel, bool next)
+// Picking again at the same place with Ctrl takes what lies below in the place of what was taken.
+void KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
+{
+    using Mode = KcEdSelectionLine::Mode;
+    const std::vector<KcDbObjectId> before = m_under;
+    const size_t beforeAt = m_underAt;
+    KcDbObjectId id = entityUnder(pixel);
+    if (id.isNull()) {
+        m_rectangleFrom = pixel;
+        m_dragging = true;
+        return;
+    }
+    if (keys & Qt::ControlModifier && m_under == before) {
+        m_underAt = (beforeAt + 1) % m_under.size();
+        id = m_under[m_underAt];
+        if (m_under.size() > 1)
+            answerSelection({ Mode::Handles, true, {}, { m_under[beforeAt].handle() } });
+    }
+    answerSelection({ Mode::Handles, bool(keys & Qt::ShiftModifier), {}, { id.handle() } });
+}
+
+KcDbObjectId KcUiCanvas::entityUnder(QPointF pixel)
 {
     const KcGePoint2d world = map().toModel(pixel);
     const KcGePoint3d point
         = m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
-    std::vector<KcDbObjectId> under = kcedEntitiesAt(point);
-    m_underAt = next && under == m_under && !under.empty() ? (m_underAt + 1) % under.size() : 0;
-    m_under = std::move(under);
-    return m_under.empty() ? KcDbObjectId() : m_under[m_underAt];
+    m_under = kcedEntitiesAt(point);
+    m_underAt = 0;
+    return m_under.empty() ? KcDbObjectId() : m_under.front();
 }
 
 void KcUiCanvas::finishRectangle(QPointF pixel, bool removes)

@@ -2,10 +2,11 @@
 #pragma once
 
 #include "ed/documents.h"
-#include "ed/prompt.h"
-#include "ui/screen_map.h"
+#include "ed/jig.h"
+#include "ui/aim.h"
+#include "ui/picture.h"
 
-#include <QImage>
+#include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
 
@@ -51,7 +52,7 @@ public:
     void objectErased(const KcDbObject&, bool) override { contentsChanged(); }
 
     /// What the cursor stands for: the snapped and constrained point in user coordinates.
-    KcGePoint3d cursorPoint() const { return m_point; }
+    KcGePoint3d cursorPoint() const { return m_aim.point; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -69,16 +70,20 @@ private:
     void contentsChanged();
     void planFrame(int milliseconds);
     void renderFrame();
+    void planMarks();
+    void showMarks();
+    void pan(QPointF to);
     void moveCursor(QPointF pixel);
     bool selects() const;
     void press(QPointF pixel, Qt::KeyboardModifiers keys);
     void finishRectangle(QPointF pixel, bool removes);
     void answerSelection(KcEdSelectionLine line);
-    KcDbObjectId entityUnder(QPointF pixel, bool next);
+    KcDbObjectId entityUnder(QPointF pixel);
+    void pickUnder(QPointF pixel, Qt::KeyboardModifiers keys);
 
-    void drawFrame(QPainter& painter);
     void drawCursor(QPainter& painter);
     void drawRubberBand(QPainter& painter);
+    void drawSelectionRectangle(QPainter& painter);
     void drawGrips(QPainter& painter);
     void drawAxes(QPainter& painter);
 
@@ -87,19 +92,33 @@ private:
     std::optional<KcEdPrompt> m_prompt; ///< a copy: the waiting one may go while the canvas looks at it
     bool m_dark = true;
 
-    QImage m_frame; ///< the picture last computed
-    KcEdView m_frameView; ///< and the view it shows
-    bool m_frameStale = true;
-    QTimer m_frameTimer;
+    /// Shows what a drag would make.
+    struct PreviewHolder : KcEdPreviewHolder {
+        explicit PreviewHolder(KcUiCanvas& owner)
+            : canvas(owner)
+        {
+        }
+        void show(const KcEdPreview& preview) override;
+        KcUiCanvas& canvas;
+    };
+    PreviewHolder m_previewHolder{ *this };
+
+    KcUiPicture m_picture;
+    QTimer m_frameTimer, m_marksTimer;
+    qint64 m_renderTime = 0; ///< milliseconds that the last picture took
+    QElapsedTimer m_sinceWheel;
 
     QPointF m_pixel; ///< of the cursor
     bool m_inside = false;
-    KcGePoint3d m_point;
-    std::optional<QPointF> m_panFrom;
+    KcUiAim m_aim;
+    std::optional<QPointF> m_panFrom; ///< where the drawing is held
+    bool m_panned = false; ///< since the button went down
     std::optional<QPointF> m_rectangleFrom; ///< first corner of a selection rectangle
     bool m_zoomsWindow = false; ///< the rectangle is no selection but the next view
     bool m_dragging = false; ///< the button is still down since the first corner
     std::vector<KcDbObjectId> m_under; ///< what lay under the cursor at the last pick, and
     size_t m_underAt = 0; ///< which of it was taken
     std::unordered_set<KcDbObjectId> m_highlighted;
+    std::vector<KcDbObjectId> m_selected; ///< as it is marked
+    bool m_marksChanged = false;
 };

@@ -38,12 +38,13 @@ void KcUiCanvas::drawGrips(QPainter& painter)
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(kcuiPalette(m_dark).background);
     painter.setBrush(kcuiPalette(m_dark).grip);
+    const KcUiScreenMap shown = map();
     for (const KcDbObjectId id : m_document->pickFirst.ids()) {
         const KcDbRead<KcDbEntity> entity(id);
         if (!entity)
             continue;
         for (const KcGePoint3d& p : kcedGripPoints(*entity)) {
-            const QPointF at = map().toPixel({ p.x, p.y });
+            const QPointF at = shown.toPixel({ p.x, p.y });
             painter.drawRect(
                 QRectF(at.x() - kGripPixels, at.y() - kGripPixels, 2 * kGripPixels, 2 * kGripPixels));
         }
@@ -53,38 +54,55 @@ void KcUiCanvas::drawGrips(QPainter& painter)
 void KcUiCanvas::drawRubberBand(QPainter& painter)
 {
     const KcUiPalette& colors = kcuiPalette(m_dark);
+    if (!m_prompt || !m_prompt->base || !m_document || !m_inside)
+        return;
+    const KcGeMatrix3d ucs = m_document->database().ucsToWorld();
+    const KcUiScreenMap shown = map();
+    const auto pixelOf = [&](KcGePoint3d inUcs) {
+        const KcGePoint3d world = ucs * inUcs;
+        return shown.toPixel({ world.x, world.y });
+    };
+    if (m_aim.track) {
+        // Beyond the cursor to the rim of the window.
+        const double far = std::hypot(width(), height()) / shown.pixelsPerUnit();
+        const KcGeVector3d way{ std::cos(*m_aim.track) * far, std::sin(*m_aim.track) * far, 0.0 };
+        painter.setPen(QPen(colors.snap, 1, Qt::DotLine));
+        painter.drawLine(pixelOf(*m_prompt->base), pixelOf(m_aim.point + way));
+        const QString words
+            = QStringLiteral("%1 < %2°")
+                  .arg(m_aim.point.distanceTo(*m_prompt->base), 0, 'f', 2)
+                  .arg(std::fmod(*m_aim.track * 180.0 / kPi + 360.0, 360.0), 0, 'f', 0);
+        painter.drawText(pixelOf(m_aim.point) + QPointF(14, 22), words);
+    }
+    painter.setPen(QPen(colors.band, 1, Qt::DashLine));
+    painter.setBrush(Qt::NoBrush);
+    if (m_prompt->kind == KcEdPrompt::Kind::Corner) {
+        const KcGePoint3d a = *m_prompt->base, b = m_aim.point;
+        const QPointF corners[]
+            = { pixelOf(a), pixelOf({ b.x, a.y, a.z }), pixelOf(b), pixelOf({ a.x, b.y, a.z }) };
+        painter.drawPolygon(corners, 4);
+    } else if (kcuiTakesPoint(m_prompt->kind)) {
+        painter.drawLine(pixelOf(*m_prompt->base), pixelOf(m_aim.point));
+    }
+}
+
+void KcUiCanvas::drawSelectionRectangle(QPainter& painter)
+{
+    const KcUiPalette& colors = kcuiPalette(m_dark);
     if (m_rectangleFrom) {
-        const bool crossing = m_pixel.x() < m_rectangleFrom->x();
+        const bool crossing = !m_zoomsWindow && m_pixel.x() < m_rectangleFrom->x();
         const QColor fill = crossing ? colors.crossing : colors.window;
         QPen pen(QColor(fill.red(), fill.green(), fill.blue()));
         pen.setStyle(crossing ? Qt::DashLine : Qt::SolidLine);
         painter.setPen(pen);
         painter.setBrush(fill);
         painter.drawRect(QRectF(*m_rectangleFrom, m_pixel).normalized());
-        return;
-    }
-    if (!m_prompt || !m_prompt->base || !m_document || !m_inside)
-        return;
-    const KcGeMatrix3d ucs = m_document->database().ucsToWorld();
-    const auto pixelOf = [&](KcGePoint3d inUcs) {
-        const KcGePoint3d world = ucs * inUcs;
-        return map().toPixel({ world.x, world.y });
-    };
-    painter.setPen(QPen(colors.band, 1, Qt::DashLine));
-    painter.setBrush(Qt::NoBrush);
-    if (m_prompt->kind == KcEdPrompt::Kind::Corner) {
-        const KcGePoint3d a = *m_prompt->base, b = m_point;
-        const QPointF corners[]
-            = { pixelOf(a), pixelOf({ b.x, a.y, a.z }), pixelOf(b), pixelOf({ a.x, b.y, a.z }) };
-        painter.drawPolygon(corners, 4);
-    } else if (m_prompt->kind == KcEdPrompt::Kind::Point || m_prompt->kind == KcEdPrompt::Kind::Distance) {
-        painter.drawLine(pixelOf(*m_prompt->base), pixelOf(m_point));
     }
 }
 
 void KcUiCanvas::drawCursor(QPainter& painter)
 {
-    if (!m_inside)
+    if (!m_inside || m_panFrom)
         return;
     const KcUiPalette& colors = kcuiPalette(m_dark);
     painter.setRenderHint(QPainter::Antialiasing, false);

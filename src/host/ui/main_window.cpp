@@ -121,6 +121,10 @@ KcUiMainWindow::~KcUiMainWindow()
 
 void KcUiMainWindow::waiting(const KcEdPrompt* prompt)
 {
+    // A command that tracks the cursor asks again after every move; the panels need not hear of each.
+    if (prompt ? m_tracking && prompt->kind == KcEdPrompt::Kind::Track : m_tracking)
+        return m_canvas->setPrompt(prompt);
+    m_tracking = prompt && prompt->kind == KcEdPrompt::Kind::Track;
     m_commandLine->setPrompt(prompt);
     m_canvas->setPrompt(prompt);
     updateTitle();
@@ -245,9 +249,13 @@ bool KcUiMainWindow::mayDiscard()
 void KcUiMainWindow::updateTitle()
 {
     KcApDocument* document = kcDocManagerPtr()->curDocument();
-    setWindowTitle(
-        document ? shownName(*document) + QStringLiteral("[*] – Verdelis") : QStringLiteral("Verdelis"));
-    setWindowModified(document && document->isModified());
+    const QString title
+        = document ? shownName(*document) + QStringLiteral("[*] – Verdelis") : QStringLiteral("Verdelis");
+    const bool modified = document && document->isModified();
+    if (title != windowTitle())
+        setWindowTitle(title);
+    if (modified != isWindowModified())
+        setWindowModified(modified);
 }
 
 void KcUiMainWindow::closeEvent(QCloseEvent* event)

@@ -73,4 +73,5 @@ private:
     QMenu* m_recentMenu = nullptr;
     bool m_cancelled = false;
     bool m_closing = false;
+    bool m_tracking = false; ///< the prompt shown last follows the cursor
 };

@@ -49,10 +49,21 @@ KcEdEvent KcUiWindowSource::read(const KcEdPrompt& prompt)
         const QScopedValueRollback<const KcEdPrompt*> promptScope(m_waiting, &prompt);
         if (onWaiting)
             onWaiting(&prompt);
-        // A loop that ends at once with -1 was begun after the program was told to quit.
-        while (m_events.empty() && !m_finished)
-            if (loop.exec() == -1)
-                m_finished = true;
+        while (!m_finished) {
+            // What a drag shows follows the cursor without the prompt being answered. Outside the event loop,
+            // since it may throw.
+            const KcEdMove* move = prompt.drag && m_events.size() == 1 ? std::get_if<KcEdMove>(&m_events.front())
+                                                                       : nullptr;
+            if (move) {
+                const KcGePoint3d point = move->point;
+                m_events.clear();
+                prompt.drag(point);
+            } else if (!m_events.empty()) {
+                break;
+            } else if (loop.exec() == -1) {
+                m_finished = true; // begun after the program was told to quit
+            }
+        }
     }
     if (onWaiting)
         onWaiting(nullptr);
