@@ -248,8 +248,8 @@ TEST_F(TreeTables, DamagedRootsAreToldAbout)
     EXPECT_TRUE(bytes(result) == bytes(plan));
 
     ASSERT_TRUE(QFile::remove(folder.filePath("root/Sys/VDLText_zh.txt")));
-    const Outcome outcome = play(plan, { "VDLABOUT" });
+    const Outcome outcome = play(plan, { "VDLABOUT", "!list", "!ok" });
     EXPECT_EQ(outcome.status, 0);
     EXPECT_TRUE(outcome.out.contains("No language file found.")) << outcome.out;
-    EXPECT_TRUE(outcome.out.contains("当前版本：20")) << outcome.out;
+    EXPECT_TRUE(outcome.out.contains("当前版本：")) << outcome.out;
 }
