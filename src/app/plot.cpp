@@ -3,9 +3,7 @@
 
 #include "program.h"
 
-#include "ed/console.h"
-#include "ed/status_bar.h"
-#include "gi/paint/plot.h"
+#include "ed/plot_command.h"
 
 namespace program {
 
@@ -28,18 +26,6 @@ std::optional<KcGeExtents2d> windowOf(const QString& text)
     box.addPoint({ values[0], values[1] });
     box.addPoint({ values[2], values[3] });
     return box.max.x > box.min.x && box.max.y > box.min.y ? std::optional(box) : std::nullopt;
-}
-
-std::optional<double> scaleOf(const QString& text)
-{
-    const QStringList parts = text.split(QLatin1Char(':'));
-    if (parts.size() != 2)
-        return {};
-    bool isPaper = false, isDrawing = false;
-    const double paper = parts[0].toDouble(&isPaper), drawing = parts[1].toDouble(&isDrawing);
-    if (!isPaper || !isDrawing || !(paper > 0.0) || !(drawing > 0.0) || !std::isfinite(drawing / paper))
-        return {};
-    return drawing / paper;
 }
 
 std::optional<QSize> sizeOf(const QString& text)
@@ -69,7 +55,7 @@ int plot(const Arguments& given)
             return wrongUsage(QStringLiteral("--size takes pixels as WIDTHxHEIGHT, not \"%1\".").arg(*text));
     }
     if (const auto text = takeOption(arguments, QStringLiteral("--scale"))) {
-        request.scale = scaleOf(*text);
+        request.scale = kcgiScale(*text);
         if (!request.scale)
             return wrongUsage(QStringLiteral("--scale takes a scale as 1:200, not \"%1\".").arg(*text));
     }
@@ -87,7 +73,7 @@ int plot(const Arguments& given)
     if (arguments.size() != 2)
         return wrongUsage(QStringLiteral("plot takes a drawing and the file to write."));
     request.path = arguments[1];
-    if (!QStringList{ "png", "pdf", "svg" }.contains(QFileInfo(request.path).suffix().toLower()))
+    if (!kcgiPlotFormats().contains(QFileInfo(request.path).suffix().toLower()))
         return wrongUsage(
             QStringLiteral("A plot is a .png, .pdf or .svg file, not \"%1\".").arg(request.path));
     if (const QString reason = whyNotWritable(request.path); !reason.isEmpty())
@@ -97,21 +83,7 @@ int plot(const Arguments& given)
         return kFileError;
     request.drawingUnitsPerMillimetre = kcgiUnitsPerMillimetre(document->database());
 
-    std::unique_ptr<KcEdProgress> meter;
-    request.progress = [&](size_t done, size_t all) {
-        constexpr size_t kLong = 20'000; // entities; fewer are drawn before a bar could be read
-        if (all < kLong)
-            return;
-        if (!meter)
-            meter = std::make_unique<KcEdProgress>(QStringLiteral("Plotting"), int(all));
-        meter->setPosition(int(done));
-    };
-    const KcGiPlotResult result = kcgiPlot(document->database(), request);
-    meter.reset();
-    for (const auto& [what, count] : result.leftOut)
-        kcedSayError(
-            count == 1 ? QStringLiteral("Left out: %1.").arg(what)
-                       : QStringLiteral("Left out: %1 (%2 times).").arg(what).arg(count));
+    const KcGiPlotResult result = kcedPlot(document->database(), request);
     if (!result.error.isEmpty())
         return fileError(result.error);
     return kDone;

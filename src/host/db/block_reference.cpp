@@ -5,6 +5,7 @@
 #include "db/database.h"
 #include "db/plane.h"
 #include "db/polyline.h"
+#include "db/spatial_filter.h"
 #include "gi/sink/world_draw.h"
 
 KCRX_DEFINE(KcDbBlockReference, KcDbEntity, "AcDbBlockReference")
@@ -223,6 +224,19 @@ KcGeExtents3d KcDbBlockReference::definitionUnder(const KcGeMatrix3d& matrix) co
                 kcdbAddPoint(box, cell.max + shift);
             }
     }
+    if (const auto clip = kcdbClipOf(*this)) {
+        KcGeExtents3d shown;
+        for (const KcGiPath::Element& element : clip->elements()) {
+            if (const auto* move = std::get_if<KcGiPath::Move>(&element))
+                kcdbAddPoint(shown, toWorld * move->to);
+            else if (const auto* line = std::get_if<KcGiPath::Line>(&element))
+                kcdbAddPoint(shown, toWorld * line->to);
+        }
+        if (shown.isEmpty() || !shown.overlapsInPlan(box))
+            return {};
+        box.min = { std::max(box.min.x, shown.min.x), std::max(box.min.y, shown.min.y), box.min.z };
+        box.max = { std::min(box.max.x, shown.max.x), std::min(box.max.y, shown.max.y), box.max.z };
+    }
     return box;
 }
 
@@ -311,14 +325,17 @@ constexpr int kMostCells = 250'000; // of an array: more are a slip of the hand
 void KcDbBlockReference::worldDraw(KcGiWorldDraw& draw) const
 {
     const KcGeMatrix3d first = blockTransform();
-    if (!m_data.array)
+    const auto clip = kcdbClipOf(*this);
+    if (!m_data.array && !clip)
         return draw.block(m_data.block, first);
-    const Array& cells = *m_data.array;
+    const Array cell, &cells = m_data.array ? *m_data.array : cell;
     const KcGeMatrix3d plane = KcGeMatrix3d::planeToWorld(m_data.normal)
         * KcGeMatrix3d::rotation(m_data.rotation);
     const int columns = std::clamp(cells.columns, 1, kMostCells), rows = std::clamp(cells.rows, 1, kMostCells);
     if (int64_t(columns) * rows > kMostCells)
         return draw.leftOut(QStringLiteral("a block array of more than %1 cells").arg(kMostCells));
+    if (clip)
+        draw.pushClip(clip->transformed(first), false);
     for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
             draw.block(
@@ -326,6 +343,8 @@ void KcDbBlockReference::worldDraw(KcGiWorldDraw& draw) const
                 KcGeMatrix3d::translation(
                     plane * KcGeVector3d{ column * cells.columnSpacing, row * cells.rowSpacing, 0.0 })
                     * first);
+    if (clip)
+        draw.popClip();
     for (const KcDbObjectId id : attributes())
         if (const KcDbRead<KcDbAttribute> attribute(id); attribute)
             draw.entity(*attribute);

@@ -10,6 +10,7 @@
 #include "ed/entity_dump.h"
 #include "ed/hatch_commands.h"
 #include "ed/pick_geometry.h"
+#include "ed/plot_command.h"
 #include "ed/selection.h"
 
 #include <QJsonDocument>
@@ -139,6 +140,7 @@ void kcedRegisterHostCommands()
         { "HATCH", 2, kcedHatch, "fill closed outlines with a pattern" },
         { "LIST", 2, listObjects, "print the values of objects" },
         { "MOVE", 2, moveObjects, "move objects by a displacement" },
+        { "PLOT", KcEdCommand::kNoUndoStep, kcedPlotCommand, "write the drawing, or a part of it, to a PDF, PNG or SVG file" },
         { "REDO", KcEdCommand::kNoUndoStep, redo, "bring back what was undone last" },
         { "REGEN", 0, regenerate, "draw the drawing anew" },
         { "REGENALL", 0, regenerate, "draw all views anew" },

@@ -2,8 +2,9 @@
 
 #include "gi/paint/painter_device.h"
 
+#include "gi/paint/font_stretches.h"
+
 #include <QCache>
-#include <QFont>
 #include <QPainter>
 
 namespace {
@@ -25,32 +26,6 @@ size_t qHash(const RunKey& key, size_t seed = 0)
         key.text);
 }
 
-QFont fontOf(const KcGi::TextStyle& style, const QString& family, int pixels)
-{
-    QFont font(family);
-    font.setPixelSize(pixels);
-    font.setBold(style.bold);
-    font.setItalic(style.italic);
-    font.setHintingPreference(QFont::PreferNoHinting);
-    return font;
-}
-
-/// Calls `part(family, text)` for each stretch of a text that one family shows.
-template <class Part> void forFamilies(const KcGi::TextStyle& style, const QString& text, Part part)
-{
-    const QString family = KcGi::fontForStyle(style.font, style.bigFont, style.typeface);
-    QString stretch, current = family;
-    for (const char32_t c : text.toUcs4()) {
-        const QString own = KcGi::fontForCharacter(c, family, style.bold, style.italic);
-        if (own != current && !stretch.isEmpty())
-            part(current, std::exchange(stretch, QString()));
-        current = own;
-        stretch += QString::fromUcs4(&c, 1);
-    }
-    if (!stretch.isEmpty())
-        part(current, stretch);
-}
-
 } // namespace
 
 const QPainterPath& kcgiGlyphs(const KcGi::TextStyle& style, const QString& text)
@@ -62,9 +37,9 @@ const QPainterPath& kcgiGlyphs(const KcGi::TextStyle& style, const QString& text
     auto* path = new QPainterPath;
     path->setFillRule(Qt::WindingFill);
     double x = 0.0;
-    forFamilies(style, text, [&](const QString& family, const QString& stretch) {
+    kcgiForFamilies(style, text, [&](const QString& family, const QString& stretch) {
         QPainterPath glyphs;
-        glyphs.addText(0, 0, fontOf(style, family, kGlyphPixels), stretch);
+        glyphs.addText(0, 0, kcgiFont(style, family, kGlyphPixels), stretch);
         const double scale = KcGi::emOfCapHeight(family, style.bold, style.italic) / kGlyphPixels;
         path->addPath(QTransform(scale, 0, 0, -scale, x, 0).map(glyphs));
         x += KcGi::textAdvance(style, stretch, 1.0);
@@ -165,12 +140,12 @@ void KcGiPainterDevice::text(const KcGiTextRun& run, const QTransform& transform
     m_painter.setTransform(transform, true);
     m_painter.setPen(QColor::fromRgba(color));
     double x = 0.0;
-    forFamilies(run.style, run.text, [&](const QString& family, const QString& stretch) {
+    kcgiForFamilies(run.style, run.text, [&](const QString& family, const QString& stretch) {
         const double em = KcGi::emOfCapHeight(family, run.style.bold, run.style.italic) * run.height;
         m_painter.save();
         m_painter.translate(x, 0);
         m_painter.scale(em / kGlyphPixels, -em / kGlyphPixels);
-        m_painter.setFont(fontOf(run.style, family, kGlyphPixels));
+        m_painter.setFont(kcgiFont(run.style, family, kGlyphPixels));
         m_painter.drawText(QPointF(0, 0), stretch);
         m_painter.restore();
         x += KcGi::textAdvance(run.style, stretch, run.height);

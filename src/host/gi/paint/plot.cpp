@@ -7,6 +7,7 @@
 #include "db/header.h"
 #include "db/tables.h"
 #include "gi/paint/painter_device.h"
+#include "gi/paint/pdf_device.h"
 #include "gi/paint/scene.h"
 #include "platform/files.h"
 
@@ -14,7 +15,6 @@
 #include <QImage>
 #include <QPageSize>
 #include <QPainter>
-#include <QPdfWriter>
 #include <QSvgGenerator>
 
 namespace {
@@ -24,6 +24,7 @@ constexpr double kUsualLongSide = 420.0; // millimetres, of a paper that nobody 
 constexpr int kUsualPixels = 1600;
 constexpr double kScreenDots = 96.0, kPageDots = 1200.0; // per inch
 constexpr double kMillimetresPerInch = 25.4;
+constexpr double kHairline = 0.05; // millimetres: the thinnest line on a page
 constexpr int kMostPixels = 30'000; // of one side of a picture
 
 struct Fit {
@@ -82,28 +83,30 @@ struct Job {
     KcGiPlotResult& result;
 };
 
-// Draws on a painter whose units are `unitsPerMillimetre`; false when cancelled.
-bool paint(const Job& job, QPainter& painter, double unitsPerMillimetre, bool page)
+// Draws on a device whose units are `unitsPerMillimetre`; false when cancelled.
+bool paint(const Job& job, KcGiDevice& device, double unitsPerMillimetre)
 {
-    KcGiPainterDevice::Options options;
-    options.page = page;
-    options.sagitta = page ? unitsPerMillimetre * 0.01 : 0.15;
-    options.smallest = page ? 0.0 : 0.7;
-    options.hairline = page ? unitsPerMillimetre * 0.05 : 0.0;
-    KcGiPainterDevice device(painter, options);
     KcGiSceneOptions scene;
     scene.toDevice = toDevice(job.fit, unitsPerMillimetre);
-    const QSizeF size = job.fit.paper * unitsPerMillimetre;
-    scene.area = QRectF(QPointF(0, 0), size);
+    scene.area = QRectF(QPointF(0, 0), job.fit.paper * unitsPerMillimetre);
     scene.plotting = true;
     scene.unitsPerMillimetre = unitsPerMillimetre;
     scene.progress = job.request.progress;
     scene.cancelled = job.request.cancelled;
-    painter.setClipRect(*scene.area);
     KcGiScene drawn(job.database, device, scene);
     const bool whole = drawn.drawSpace(job.space);
     job.result.leftOut = drawn.leftOutThings();
     return whole;
+}
+
+QString cancelled()
+{
+    return QStringLiteral("The plot was cancelled.");
+}
+
+QString titleOf(const Job& job)
+{
+    return QFileInfo(job.database.fileName()).completeBaseName();
 }
 
 QString plotPicture(const Job& job)
@@ -133,8 +136,12 @@ QString plotPicture(const Job& job)
     {
         QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
-        if (!paint(job, painter, pixels.width() / job.fit.paper.width(), false))
-            return QStringLiteral("The plot was cancelled.");
+        KcGiPainterDevice::Options options;
+        options.sagitta = 0.15;
+        options.smallest = 0.7;
+        KcGiPainterDevice device(painter, options);
+        if (!paint(job, device, pixels.width() / job.fit.paper.width()))
+            return cancelled();
     }
     QByteArray bytes;
     QBuffer buffer(&bytes);
@@ -147,21 +154,15 @@ QString plotPicture(const Job& job)
 
 QString plotPdf(const Job& job)
 {
-    QByteArray bytes;
-    {
-        QBuffer buffer(&bytes);
-        buffer.open(QIODevice::WriteOnly);
-        QPdfWriter writer(&buffer);
-        writer.setPageSize(QPageSize(job.fit.paper, QPageSize::Millimeter, {}, QPageSize::ExactMatch));
-        writer.setPageMargins(QMarginsF());
-        writer.setResolution(int(kPageDots));
-        writer.setCreator(QStringLiteral("Verdelis"));
-        writer.setTitle(QFileInfo(job.database.fileName()).completeBaseName());
-        QPainter painter(&writer);
-        if (!paint(job, painter, kPageDots / kMillimetresPerInch, true))
-            return QStringLiteral("The plot was cancelled.");
-    }
-    const platform::Status status = platform::writeFileAtomically(job.request.path, bytes);
+    KcGiPdfDevice::Options options;
+    options.paper = job.fit.paper;
+    options.unitsPerMillimetre = kPageDots / kMillimetresPerInch;
+    options.hairline = kHairline * options.unitsPerMillimetre;
+    options.title = titleOf(job);
+    KcGiPdfDevice device(options);
+    if (!paint(job, device, options.unitsPerMillimetre))
+        return cancelled();
+    const platform::Status status = platform::writeFileAtomically(job.request.path, device.finish());
     return status ? QString() : status.error;
 }
 
@@ -178,10 +179,16 @@ QString plotSvg(const Job& job)
         const QSizeF size = job.fit.paper * kUnits;
         generator.setSize(size.toSize());
         generator.setViewBox(QRectF(QPointF(0, 0), size));
-        generator.setTitle(QFileInfo(job.database.fileName()).completeBaseName());
+        generator.setTitle(titleOf(job));
         QPainter painter(&generator);
-        if (!paint(job, painter, kUnits, true))
-            return QStringLiteral("The plot was cancelled.");
+        painter.setClipRect(QRectF(QPointF(0, 0), size));
+        KcGiPainterDevice::Options options;
+        options.page = true;
+        options.sagitta = kUnits * 0.01;
+        options.hairline = kUnits * kHairline;
+        KcGiPainterDevice device(painter, options);
+        if (!paint(job, device, kUnits))
+            return cancelled();
     }
     const platform::Status status = platform::writeFileAtomically(job.request.path, bytes);
     return status ? QString() : status.error;
@@ -209,6 +216,23 @@ std::optional<QSizeF> kcgiPaper(const QString& name)
         return size.width() < size.height() ? size.transposed() : size;
     }
     return {};
+}
+
+std::optional<double> kcgiScale(const QString& text)
+{
+    const QStringList parts = text.split(QLatin1Char(':'));
+    if (parts.size() != 2)
+        return {};
+    bool isPaper = false, isDrawing = false;
+    const double paper = parts[0].toDouble(&isPaper), drawing = parts[1].toDouble(&isDrawing);
+    if (!isPaper || !isDrawing || !(paper > 0.0) || !(drawing > 0.0) || !std::isfinite(drawing / paper))
+        return {};
+    return drawing / paper;
+}
+
+QStringList kcgiPlotFormats()
+{
+    return { QStringLiteral("png"), QStringLiteral("pdf"), QStringLiteral("svg") };
 }
 
 double kcgiUnitsPerMillimetre(KcDbDatabase& database)

@@ -35,6 +35,10 @@ KcGiPlotResult kcgiPlot(KcDbDatabase& database, const KcGiPlotRequest& request);
 /// The size of a paper by its name ("A0" to "A4", "B1" to "B5", "Letter", …, or "420x297" in millimetres),
 /// lying on its long side. Nothing for an unknown name.
 std::optional<QSizeF> kcgiPaper(const QString& name);
+/// The scale of "1:200" or "1:0.5" as the request takes it; nothing for what is none.
+std::optional<double> kcgiScale(const QString& text);
+/// Suffixes of the files that can be plotted to.
+QStringList kcgiPlotFormats();
 /// Drawing units in a millimetre, by the drawing's unit variable; 1 for drawings without a unit.
 double kcgiUnitsPerMillimetre(KcDbDatabase& database);
 /// The block of a layout by its name ("Model" is model space); null when there is none.

@@ -3,8 +3,10 @@
 #include "gi/paint/scene.h"
 
 #include "db/block_reference.h"
+#include "db/draw_order.h"
 #include "db/header.h"
 #include "db/tables.h"
+#include "db/viewport.h"
 #include "gi/colour_table.h"
 
 namespace {
@@ -37,8 +39,10 @@ KcGiScene::KcGiScene(KcDbDatabase& database, KcGiDevice& device, const KcGiScene
     , m_device(device)
     , m_options(options)
 {
-    if (const KcDbRead<KcDbHeader> header(database.headerId()); header)
+    if (const KcDbRead<KcDbHeader> header(database.headerId()); header) {
         m_linetypeScale = header->real("$LTSCALE", 1.0);
+        m_paperLinetypes = header->integer("$PSLTSCALE", 1) != 0;
+    }
     if (!(m_linetypeScale > 0.0) || !std::isfinite(m_linetypeScale))
         m_linetypeScale = 1.0;
     m_byLayerLinetype = database.byLayerLinetype();
@@ -88,6 +92,10 @@ const KcGiScene::Layer& KcGiScene::layer(KcDbObjectId id)
         layer.off = record->isOff();
         layer.frozen = record->isFrozen();
         layer.plottable = record->data().plottable;
+        if (const KcDbValueList* values = record->xdataOf(QStringLiteral("AcCmTransparency")))
+            for (const KcDbTypedValue& value : *values)
+                if (const auto given = uint32_t(value.integer()); value.code == 1071 && (given & kAlphaGiven))
+                    layer.alpha = int(given & 0xff);
     }
     layer.rgb = resolve(layer.color, layer);
     return layer;
@@ -146,12 +154,12 @@ double KcGiScene::penWidth(int hundredths, const Layer& layer) const
     return (weight == kDefaultWeight ? kDefaultLineWeight : weight) / 100.0 * m_options.unitsPerMillimetre;
 }
 
-int KcGiScene::alphaOf(const KcDbEntity& entity) const
+int KcGiScene::alphaOf(const KcDbEntity& entity, const Layer& layer) const
 {
     const uint32_t value = entity.transparency();
     if (value & kAlphaGiven)
         return int(value & 0xff);
-    return value & kAlphaByBlock ? m_context.blockAlpha : 255;
+    return value & kAlphaByBlock ? m_context.blockAlpha : layer.alpha;
 }
 
 KcGiColor KcGiScene::entityColor() const
@@ -195,12 +203,27 @@ bool KcGiScene::isStopped()
 bool KcGiScene::drawSpace(KcDbObjectId block)
 {
     const KcDbRead<KcDbBlockTableRecord> record(block);
-    return !record || drawAll(record->entityIds());
+    return !record || drawAll(kcdbInDrawingOrder(*record));
 }
 
-bool KcGiScene::draw(const std::vector<KcDbObjectId>& ids)
+bool KcGiScene::draw(std::vector<KcDbObjectId> ids)
 {
+    if (!ids.empty())
+        if (const KcDbRead<KcDbEntity> first(ids.front()); first)
+            kcdbSortForDrawing(first->ownerId(), ids);
     return drawAll(ids);
+}
+
+// What a definition draws, sorted once.
+const std::vector<KcDbObjectId>& KcGiScene::contents(const KcDbBlockTableRecord& definition)
+{
+    const auto [at, isNew] = m_contents.try_emplace(definition.objectId().stub());
+    if (!isNew)
+        return at->second;
+    for (const KcDbObjectId id : kcdbInDrawingOrder(definition))
+        if (const KcDbRead<KcDbEntity> entity(id); entity && !isReplaced(*entity))
+            at->second.push_back(id);
+    return at->second;
 }
 
 bool KcGiScene::drawAll(const std::vector<KcDbObjectId>& ids)
@@ -231,11 +254,16 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
 {
     if (!entity.isVisible())
         return;
+    // A viewport shows the model even where its frame is hidden.
+    if (entity.isKindOf(KcDbViewport::desc()))
+        drawModel(static_cast<const KcDbViewport&>(entity));
     const Layer* own = &layer(entity.layerId());
     // What lies on the layer "0" of a definition takes the layer of the reference.
     if (m_context.blockLayer && own->isZero)
         own = m_context.blockLayer;
     if (own->frozen || (m_options.plotting && !own->plottable))
+        return;
+    if (m_context.frozenLayers && m_context.frozenLayers->contains(own))
         return;
     const bool isReference = entity.isKindOf(KcDbBlockReference::desc());
     if (own->off && !isReference)
@@ -250,7 +278,7 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
 
     const QRgb rgb = resolve(entityColor(), *own);
     m_traits = {};
-    m_traits.color = qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alphaOf(entity));
+    m_traits.color = qRgba(qRed(rgb), qGreen(rgb), qBlue(rgb), alphaOf(entity, *own));
     const KcDbObjectId linetype = entity.linetypeId();
     if (linetype.isNull() || linetype == m_byLayerLinetype)
         m_traits.pattern = pattern(own->linetype);
@@ -258,7 +286,8 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
         m_traits.pattern = m_context.blockPattern;
     else
         m_traits.pattern = pattern(linetype);
-    m_traits.patternScale = m_linetypeScale * (entity.linetypeScale() > 0.0 ? entity.linetypeScale() : 1.0);
+    m_traits.patternScale = m_linetypeScale * m_context.patternFactor
+        * (entity.linetypeScale() > 0.0 ? entity.linetypeScale() : 1.0);
     m_traits.width = penWidth(entity.lineWeight(), *own);
 
     entity.worldDraw(*this);
@@ -343,11 +372,10 @@ void KcGiScene::drawDefinition(
     m_context.blockLayer = m_layer;
     enter(matrix);
     m_definitions.push_back(definition);
-    for (const KcDbObjectId id : record) {
+    for (const KcDbObjectId id : contents(record)) {
         if (isStopped())
             break;
-        const KcDbRead<KcDbEntity> entity(id);
-        if (entity && !isReplaced(*entity))
+        if (const KcDbRead<KcDbEntity> entity(id); entity)
             drawOne(*entity);
     }
     m_definitions.pop_back();

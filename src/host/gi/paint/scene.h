@@ -11,6 +11,7 @@
 #include <set>
 
 class KcDbBlockTableRecord;
+class KcDbViewport;
 
 struct KcGiSceneOptions {
     KcGeMatrix3d toDevice; ///< from world coordinates; the device's y axis points down
@@ -32,8 +33,8 @@ public:
 
     /// Everything visible in a space. False when it was cancelled.
     bool drawSpace(KcDbObjectId block);
-    /// These entities, in this order.
-    bool draw(const std::vector<KcDbObjectId>& ids);
+    /// These entities of one block, in its drawing order. False when it was cancelled.
+    bool draw(std::vector<KcDbObjectId> ids);
     /// An entity that is in no drawing, as if it lay in the current space.
     void draw(const KcDbEntity& entity);
 
@@ -66,9 +67,10 @@ private:
         KcGiColor color{ 7, -1 };
         QRgb rgb = 0;
         const void* id = nullptr;
+        bool isZero = false; ///< the layer "0"
         KcDbObjectId linetype;
         int lineWeight = -3;
-        bool isZero = false; ///< the layer "0"
+        int alpha = 255;
         bool off = false, frozen = false, plottable = true;
     };
     /// A line type in drawing units at scale 1; empty: no gaps.
@@ -95,6 +97,9 @@ private:
         int blockLineWeight = -3;
         int blockAlpha = 255;
         const Layer* blockLayer = nullptr;
+        // What a viewport of a layout says.
+        double patternFactor = 1.0;
+        const std::set<const Layer*>* frozenLayers = nullptr;
     };
 
     const Layer& layer(KcDbObjectId id);
@@ -102,13 +107,15 @@ private:
     QRgb resolve(const KcGiColor& color, const Layer& layer) const;
     double penWidth(int hundredths, const Layer& layer) const;
     int lineWeightOf(int hundredths, const Layer& layer) const;
-    int alphaOf(const KcDbEntity& entity) const;
+    int alphaOf(const KcDbEntity& entity, const Layer& layer) const;
     void enter(const KcGeMatrix3d& toDevice);
     void drawOne(const KcDbEntity& entity);
     bool placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, const KcGeExtents3d& box);
     void
     drawDefinition(KcDbObjectId definition, const KcDbBlockTableRecord& record, const KcGeMatrix3d& matrix);
     bool drawAll(const std::vector<KcDbObjectId>& ids);
+    const std::vector<KcDbObjectId>& contents(const KcDbBlockTableRecord& definition);
+    void drawModel(const KcDbViewport& viewport);
     QPainterPath plane(const KcGiPath& path) const;
     void dash(const KcGiPath& path, Stroke options);
     bool isStopped();
@@ -122,10 +129,13 @@ private:
     const Layer* m_layer = nullptr; ///< its layer
     std::unordered_map<const void*, Layer> m_layers;
     std::unordered_map<const void*, Pattern> m_patterns;
+    std::unordered_map<const void*, std::vector<KcDbObjectId>>
+        m_contents; ///< of definitions, in drawing order
+    KcDbObjectId m_byLayerLinetype, m_byBlockLinetype;
     std::vector<KcDbObjectId> m_definitions; ///< being drawn, outermost first
     std::map<QString, size_t> m_leftOut;
     double m_linetypeScale = 1.0;
-    KcDbObjectId m_byLayerLinetype, m_byBlockLinetype;
+    bool m_paperLinetypes = true; ///< line types look the same in every viewport
     size_t m_visits = 0;
     bool m_stopped = false;
 };

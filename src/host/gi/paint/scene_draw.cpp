@@ -1,5 +1,6 @@
 // From paths in space to lines and areas on the device: curves, line types, clips, points, texts.
 
+#include "gi/paint/cut_line.h"
 #include "gi/paint/scene.h"
 
 #include "db/header.h"
@@ -13,39 +14,12 @@
 namespace {
 
 constexpr double kFinestPeriod = 3.0; // device units: shorter line type patterns look like an even line
-constexpr size_t kMostDashes = 200'000; // of one path
 constexpr double kSmallestText = 0.6; // device units of capital height: below it a text is not seen
 constexpr double kFar = 1e6; // device units: what lies further outside is cut off
 
 KcGePoint3d seen(const KcGeMatrix3d& matrix, KcGePoint3d p)
 {
     return matrix * p;
-}
-
-/// Cuts a line to a box; false when nothing of it is inside (Liang and Barsky).
-bool cut(QPointF& a, QPointF& b, const QRectF& box)
-{
-    double from = 0.0, to = 1.0;
-    const QPointF way = b - a;
-    const double p[] = { -way.x(), way.x(), -way.y(), way.y() };
-    const double q[] = { a.x() - box.left(), box.right() - a.x(), a.y() - box.top(), box.bottom() - a.y() };
-    for (int edge = 0; edge < 4; ++edge) {
-        if (p[edge] == 0.0) { // parallel to the edge
-            if (q[edge] < 0.0)
-                return false;
-            continue;
-        }
-        const double t = q[edge] / p[edge];
-        if (p[edge] < 0.0)
-            from = std::max(from, t);
-        else
-            to = std::min(to, t);
-    }
-    if (from > to)
-        return false;
-    b = a + way * to;
-    a = a + way * from;
-    return true;
 }
 
 bool isNear(QPointF p)
@@ -131,102 +105,9 @@ void KcGiScene::stroke(const KcGiPath& path, Stroke options)
     for (const QPolygonF& run : lines.toSubpathPolygons())
         for (int i = 0; i + 1 < run.size(); ++i) {
             QPointF a = run[i], b = run[i + 1];
-            if (cut(a, b, area))
+            if (kcgiCutLine(a, b, area))
                 pieces.push_back({ a, b });
         }
-    m_device.strokeLines(pieces, pen);
-}
-
-// Dashes walk along the chords of the path. The pattern is centred on nothing: it begins at the start of each
-// run.
-void KcGiScene::dash(const KcGiPath& path, Stroke options)
-{
-    const double scale = kcgiLargestScale(m_context.matrix);
-    const std::vector<double>& dashes = m_traits.pattern->dashes;
-    const double factor = m_traits.patternScale * scale;
-    const KcGiDevice::Pen pen{ m_traits.color, m_traits.width };
-    std::optional<QRectF> area;
-    if (m_options.area)
-        area = m_options.area->adjusted(-pen.width - 2, -pen.width - 2, pen.width + 2, pen.width + 2);
-
-    std::vector<QLineF> pieces;
-    size_t at = 0; // the element of the pattern
-    double left = std::abs(dashes[0]) * factor; // of that element
-    bool overflow = false;
-    const auto restart = [&] {
-        at = 0;
-        left = std::abs(dashes[0]) * factor;
-    };
-    const auto draw = [&](QPointF a, QPointF b) {
-        if (!area || cut(a, b, *area))
-            pieces.push_back({ a, b });
-    };
-    const auto walk = [&](QPointF a, QPointF b) {
-        const double length = std::hypot(b.x() - a.x(), b.y() - a.y());
-        if (!(length > 0.0))
-            return;
-        const QPointF unit = (b - a) / length;
-        double from = 0.0, to = length;
-        if (area) {
-            // What cannot be seen is passed over by whole periods.
-            QPointF p = a, q = b;
-            if (!cut(p, q, *area)) {
-                from = to = length;
-            } else {
-                from = std::hypot(p.x() - a.x(), p.y() - a.y());
-                to = std::hypot(q.x() - a.x(), q.y() - a.y());
-            }
-        }
-        const double period = m_traits.pattern->length * factor;
-        double s = 0.0;
-        const auto advance = [&](double until, bool visible) {
-            if (!visible)
-                s += std::floor(std::max(0.0, until - s) / period) * period;
-            while (s < until) {
-                const double step = std::min(left, until - s);
-                if (visible && dashes[at] >= 0.0) {
-                    if (pieces.size() >= kMostDashes)
-                        overflow = true;
-                    else
-                        draw(a + unit * s, a + unit * (s + step));
-                }
-                s += step;
-                left -= step;
-                if (left <= 0.0) {
-                    at = (at + 1) % dashes.size();
-                    left = std::abs(dashes[at]) * factor;
-                    if (left <= 0.0 && visible && dashes[at] == 0.0)
-                        draw(a + unit * s, a + unit * s);
-                }
-                if (overflow)
-                    return;
-            }
-        };
-        advance(from, false);
-        advance(to, true);
-        advance(length, false);
-    };
-    QPointF first, last;
-    path.flatten(
-        m_context.matrix, m_device.sagitta(),
-        [&](KcGePoint3d p, bool begins) {
-            const QPointF now(p.x, p.y);
-            if (begins) {
-                first = now;
-                restart();
-            } else {
-                walk(last, now);
-                if (!options.throughVertices)
-                    restart();
-            }
-            last = now;
-        },
-        [&](bool closed) {
-            if (closed)
-                walk(last, first);
-        });
-    if (overflow)
-        leftOut(QStringLiteral("dashes beyond the first %1 of a line").arg(kMostDashes));
     m_device.strokeLines(pieces, pen);
 }
 
@@ -292,7 +173,7 @@ void KcGiScene::infiniteLine(KcGePoint3d base, KcGeVector3d direction, bool both
     const double reach = std::hypot(center.x() - origin.x(), center.y() - origin.y())
         + std::hypot(m_options.area->width(), m_options.area->height());
     QPointF a = bothWays ? origin - unit * reach : origin, b = origin + unit * reach;
-    if (cut(a, b, *m_options.area))
+    if (kcgiCutLine(a, b, *m_options.area))
         m_device.strokeLines({ { a, b } }, { m_traits.color, m_traits.width });
 }
 

@@ -33,6 +33,26 @@ void KcGiPath::polyline(const std::vector<KcGePoint3d>& points, bool closed)
         close();
 }
 
+KcGiPath KcGiPath::transformed(const KcGeMatrix3d& matrix) const
+{
+    KcGiPath result;
+    result.m_elements.reserve(m_elements.size());
+    for (const Element& element : m_elements) {
+        if (const auto* move = std::get_if<Move>(&element))
+            result.m_elements.push_back(Move{ matrix * move->to });
+        else if (const auto* line = std::get_if<Line>(&element))
+            result.m_elements.push_back(Line{ matrix * line->to });
+        else if (const auto* arc = std::get_if<KcGeEllipArc3d>(&element))
+            result.m_elements.push_back(arc->transformed(matrix));
+        else if (const auto* spline = std::get_if<Spline>(&element))
+            result.m_elements.push_back(
+                std::make_shared<const KcGeNurbsCurve3d>((*spline)->transformed(matrix)));
+        else
+            result.m_elements.push_back(Close{});
+    }
+    return result;
+}
+
 std::vector<KcGePoint3d> KcGiPath::beziers(const KcGeEllipArc3d& arc)
 {
     const int pieces

@@ -41,6 +41,9 @@ public:
     bool isEmpty() const { return m_elements.empty(); }
     void clear() { m_elements.clear(); }
 
+    /// The image under an affine transform.
+    KcGiPath transformed(const KcGeMatrix3d& matrix) const;
+
     /// Every run under a transform, in chords that stay within `sagitta` of it: `point` gets each point and
     /// whether it begins a run, `end` whether the run that ends is closed. What is not finite, or absurdly
     /// far away, breaks the run that it belongs to.
