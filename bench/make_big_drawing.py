@@ -2,7 +2,7 @@
 """Writes a big, valid planting plan (version AC1024, UTF-8) for measurements of speed and memory.
 
     make_big_drawing.py OUT.dxf [--inserts 1000000] [--blocks 60] [--polylines 100000] [--texts 20000] [--seed 1]
-                                [--attribs 0]
+                                [--attribs 0] [--parts 0]
 
 Plant blocks have Chinese names (香樟, 桂花, …). Their references are spread over 17 layers with different scales and
 rotations; the beds are closed polylines with bulges; the texts are plant labels. Every record has its handle, owner and
@@ -16,7 +16,7 @@ NAMES = '香樟 桂花 银杏 广玉兰 榉树 朴树 乌桕 无患子 栾树 �
 
 def main():
     ap = argparse.ArgumentParser(); ap.add_argument('out')
-    for k, d in (('inserts', 1000000), ('blocks', 60), ('polylines', 100000), ('texts', 20000), ('seed', 1), ('attribs', 0)):
+    for k, d in (('inserts', 1000000), ('blocks', 60), ('polylines', 100000), ('texts', 20000), ('seed', 1), ('attribs', 0), ('parts', 0)):
         ap.add_argument('--' + k, type=int, default=d)
     a = ap.parse_args(); rnd = random.Random(a.seed)
     names = [NAMES[i] if i < len(NAMES) else '%s-%d' % (NAMES[i % len(NAMES)], i // len(NAMES) + 1) for i in range(a.blocks)]
@@ -57,8 +57,9 @@ def main():
     block('*Model_Space', MS, []); block('*Paper_Space', PS, [])
     for i, (n, x) in enumerate(zip(names, br)):
         ents = [('CIRCLE', 100, 'AcDbCircle', 10, '0.0', 20, '0.0', 30, '0.0', 40, '1.0')]
-        for k in range(5 + i % 8):
-            t = 2 * math.pi * k / (5 + i % 8)
+        spokes = a.parts - 1 if a.parts else 5 + i % 8
+        for k in range(spokes):
+            t = 2 * math.pi * k / spokes
             ents.append(('LINE', 100, 'AcDbLine', 10, '0.0', 20, '0.0', 30, '0.0', 11, '%.9f' % math.cos(t), 21, '%.9f' % math.sin(t), 31, '0.0'))
         if a.attribs: ents.append(('ATTDEF', 100, 'AcDbText', 10, '0.0', 20, '0.0', 30, '0.0', 40, '0.2', 1, '', 100, 'AcDbAttributeDefinition', 3, '编号', 2, 'NO', 70, 0))
         block(n, x, ents)

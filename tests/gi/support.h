@@ -91,7 +91,7 @@ inline QRgb at(const QImage& image, int x, int y)
     return image.pixel(x, 99 - y);
 }
 
-/// Grows by everything that is drawn on it.
+/// Grows by everything that is drawn on it. Clips count as their boxes.
 class BoxDevice : public KcGiDevice {
 public:
     KcGeExtents2d box, textBox;
@@ -100,28 +100,39 @@ public:
     void stroke(const QPainterPath& path, const Pen&) override { add(box, path); }
     void strokeLines(const std::vector<QLineF>& lines, const Pen&) override
     {
-        for (const QLineF& line : lines)
-            for (const QPointF p : { line.p1(), line.p2() })
-                box.addPoint({ p.x(), p.y() });
+        for (const QLineF& line : lines) {
+            QPainterPath path(line.p1());
+            path.lineTo(line.p2());
+            add(box, path);
+        }
     }
     void fill(const QPainterPath& path, QRgb) override { add(box, path); }
     void fill(const QPainterPath& path, const QBrush&) override { add(box, path); }
     void mask(const QPainterPath& path) override { add(box, path); }
-    void dot(QPointF p, QRgb) override { box.addPoint({ p.x(), p.y() }); }
+    void dot(QPointF at, QRgb) override { add(box, QPainterPath(at)); }
     void text(const KcGiTextRun& run, const QTransform& transform, QRgb) override
     {
         const QTransform sized = QTransform::fromScale(run.height, run.height) * transform;
         add(textBox, sized.map(kcgiGlyphs(run.style, run.text)));
     }
-    void pushClip(const QPainterPath&) override { }
-    void popClip() override { }
+    void pushClip(const QPainterPath& path) override { m_clips.push_back(path.boundingRect()); }
+    void popClip() override { m_clips.pop_back(); }
 
 private:
-    static void add(KcGeExtents2d& to, const QPainterPath& path)
+    void add(KcGeExtents2d& to, const QPainterPath& path) const
     {
+        KcGeExtents2d own;
         for (int i = 0; i < path.elementCount(); ++i)
-            to.addPoint({ path.elementAt(i).x, path.elementAt(i).y });
+            own.addPoint({ path.elementAt(i).x, path.elementAt(i).y });
+        for (const QRectF& clip : m_clips) {
+            if (!own.overlaps({ { clip.left(), clip.top() }, { clip.right(), clip.bottom() } }))
+                return;
+            own.min = { std::max(own.min.x, clip.left()), std::max(own.min.y, clip.top()) };
+            own.max = { std::min(own.max.x, clip.right()), std::min(own.max.y, clip.bottom()) };
+        }
+        to.addExtents(own);
     }
+    std::vector<QRectF> m_clips;
 };
 
 } // namespace gi_test

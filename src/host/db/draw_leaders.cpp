@@ -8,6 +8,18 @@
 
 using Dim = KcDbDimVariables;
 
+std::optional<KcGePoint3d> KcDbLeader::hookLineEnd() const
+{
+    constexpr int kText = 0;
+    const Dim variables(*this, m_data.dimStyle);
+    if (m_data.vertices.empty() || !m_data.hasHookLine || m_data.annotationType != kText
+        || variables.integer(Dim::kTextAbove, 0) == 0 || !(m_data.textWidth > 0.0)
+        || !std::isfinite(m_data.textWidth))
+        return {};
+    const KcGeVector3d along = m_data.hookLineDirection == 1 ? -m_data.horizontal : m_data.horizontal;
+    return m_data.vertices.back() + along * (variables.length(Dim::kGap, 0.09) + m_data.textWidth);
+}
+
 void KcDbLeader::worldDraw(KcGiWorldDraw& draw) const
 {
     std::vector<KcGePoint3d> points = m_data.vertices;
@@ -16,13 +28,8 @@ void KcDbLeader::worldDraw(KcGiWorldDraw& draw) const
         return draw.leftOut(QStringLiteral("a leader with less than two points"));
     const Dim variables(*this, m_data.dimStyle);
 
-    // The line runs on below a text that stands above it.
-    constexpr int kText = 0;
-    if (m_data.hasHookLine && m_data.annotationType == kText && variables.integer(Dim::kTextAbove, 0) != 0
-        && m_data.textWidth > 0.0 && std::isfinite(m_data.textWidth)) {
-        const KcGeVector3d along = m_data.hookLineDirection == 1 ? -m_data.horizontal : m_data.horizontal;
-        points.push_back(points.back() + along * (variables.length(Dim::kGap, 0.09) + m_data.textWidth));
-    }
+    if (const auto end = hookLineEnd())
+        points.push_back(*end);
     if (const int color = int(variables.integer(Dim::kLineColor, 0)); color != KcGiColor::kByBlock)
         draw.setColor({ color, -1 });
 

@@ -1,5 +1,6 @@
 // How polylines are drawn: lines and arcs, or filled bands where they have widths.
 
+#include "db/database.h"
 #include "db/polyline.h"
 #include "ge/arc.h"
 #include "gi/sink/world_draw.h"
@@ -98,6 +99,35 @@ void drawPieces(
         draw.stroke(path, { throughVertices });
 }
 
+// The edges of a polyface mesh. Its faces are vertices without a place; the numbers of their corners, counted
+// from 1 and negative where the edge that follows is hidden, stay as the file holds them.
+void drawFaces(KcGiWorldDraw& draw, const std::vector<KcDbObjectId>& vertices)
+{
+    constexpr int kPlaced = 64, kFirstCorner = 71, kCorners = 4;
+    std::vector<KcGePoint3d> places;
+    for (const KcDbObjectId id : vertices) {
+        const KcDbRead<KcDbVertex> vertex(id);
+        if (!vertex)
+            continue;
+        if (vertex->data().flags & kPlaced) {
+            places.push_back(vertex->data().position);
+            continue;
+        }
+        std::vector<int64_t> corners;
+        if (const KcDbDatabase* database = vertex->database(); database && database->file())
+            for (const KcDbTypedValue& value : database->file()->values(*vertex))
+                if (value.code >= kFirstCorner && value.code < kFirstCorner + kCorners
+                    && value.integer() != 0)
+                    corners.push_back(value.integer());
+        for (size_t i = 0; i < corners.size(); ++i) {
+            const auto from = size_t(std::abs(corners[i])),
+                       to = size_t(std::abs(corners[(i + 1) % corners.size()]));
+            if (corners[i] > 0 && from <= places.size() && to <= places.size())
+                draw.line(places[from - 1], places[to - 1]);
+        }
+    }
+}
+
 } // namespace
 
 void KcDbPolyline::worldDraw(KcGiWorldDraw& draw) const
@@ -132,35 +162,39 @@ void KcDbSequenceEnd::worldDraw(KcGiWorldDraw&) const
 
 void KcDb2dPolyline::worldDraw(KcGiWorldDraw& draw) const
 {
-    constexpr int kControlPoint = 16, kFaceRecord = 128;
+    constexpr int kControlPoint = 16, kFaceRecord = 128, kSplineFit = 4;
+    // A fitted mesh shows its surface, not the net of control points.
+    const bool isFitted = m_data.flags & kSplineFit;
+    const int countM = isFitted ? m_data.densityM : m_data.countM,
+              countN = isFitted ? m_data.densityN : m_data.countN;
     std::vector<KcDbVertex::Data> vertices;
     std::vector<KcGePoint3d> mesh;
     for (const KcDbObjectId id : m_data.vertices) {
         const KcDbRead<KcDbVertex> vertex(id);
         if (!vertex)
             continue;
-        if (isMesh())
+        if (isMesh() && !(isFitted && (vertex->data().flags & kControlPoint)))
             mesh.push_back(vertex->data().position);
         else if (!(vertex->data().flags & kControlPoint) || (vertex->data().flags & kFaceRecord))
             vertices.push_back(vertex->data());
     }
     if (isMesh()) {
-        const bool grid = (m_data.flags & 16) && m_data.countM > 0 && m_data.countN > 0
-            && size_t(m_data.countM) * size_t(m_data.countN) <= mesh.size();
+        const bool grid = (m_data.flags & 16) && countM > 0 && countN > 0
+            && size_t(countM) * size_t(countN) <= mesh.size();
         if (!grid)
-            return draw.leftOut(QStringLiteral("a polyface mesh"));
-        const auto at = [&](int m, int n) { return mesh[size_t(m) * m_data.countN + n]; };
-        for (int m = 0; m < m_data.countM; ++m) {
+            return drawFaces(draw, m_data.vertices);
+        const auto at = [&](int m, int n) { return mesh[size_t(m) * countN + n]; };
+        for (int m = 0; m < countM; ++m) {
             KcGiPath row;
-            for (int n = 0; n < m_data.countN; ++n)
+            for (int n = 0; n < countN; ++n)
                 n ? row.lineTo(at(m, n)) : row.moveTo(at(m, n));
             if (m_data.flags & 32)
                 row.close();
             draw.stroke(row);
         }
-        for (int n = 0; n < m_data.countN; ++n) {
+        for (int n = 0; n < countN; ++n) {
             KcGiPath column;
-            for (int m = 0; m < m_data.countM; ++m)
+            for (int m = 0; m < countM; ++m)
                 m ? column.lineTo(at(m, n)) : column.moveTo(at(m, n));
             if (m_data.flags & 1)
                 column.close();

@@ -12,15 +12,16 @@ KcGeExtents3d KcDbLeader::extentsUnder(const KcGeMatrix3d& matrix) const
     // The path; an arrow head lies along it, and its half width is less than the tip's distance from the
     // text.
     KcGeExtents3d box;
-    if (m_data.isSplined) {
-        std::vector<KcGePoint3d> points = m_data.vertices;
-        for (KcGePoint3d& p : points)
-            p = matrix * p;
+    std::vector<KcGePoint3d> points = m_data.vertices;
+    if (const auto end = hookLineEnd())
+        points.push_back(*end);
+    for (KcGePoint3d& p : points)
+        p = matrix * p;
+    if (m_data.isSplined)
         if (const auto curve = KcGeNurbsCurve3d::throughPoints(points, {}))
             return curve->extents();
-    }
-    for (const KcGePoint3d p : m_data.vertices)
-        kcdbAddPoint(box, matrix * p);
+    for (const KcGePoint3d p : points)
+        kcdbAddPoint(box, p);
     return box;
 }
 

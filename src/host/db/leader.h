@@ -23,6 +23,8 @@ public:
     };
     KCDB_ENTITY_DATA
     void worldDraw(KcGiWorldDraw& draw) const override;
+    /// Where the line ends that runs on below a text standing above it; nothing for leaders without one.
+    std::optional<KcGePoint3d> hookLineEnd() const;
 
     size_t numVertices() const { return m_data.vertices.size(); }
     void appendVertex(KcGePoint3d point) { m_data.vertices.push_back(point); }

@@ -36,18 +36,23 @@ public:
     /// One line of text; `transform` leads from the run's glyph coordinates (capital height `run.height`, y
     /// upward) to the device.
     virtual void text(const KcGiTextRun& run, const QTransform& transform, QRgb color) = 0;
-    /// A block definition that is drawn often: how it looks is told apart by the key.
+    /// A block definition at its place. Two placements that agree in the first five values look alike, apart
+    /// from their transforms.
     struct Placement {
         const void* definition = nullptr;
-        QRgb color = 0; ///< of what is ByBlock
         const void* layer = nullptr; ///< of what lies on the layer "0"
+        QRgb color = 0; ///< of what is ByBlock
+        const void* linetype = nullptr; ///< of what is ByBlock; null: no gaps
+        int lineWeight = 0; ///< of what is ByBlock, as the reference has it
+        bool thinLines = false; ///< all lines are as thin as can be seen
         QRectF box; ///< device units
         QTransform linear; ///< from the definition to the device, the move left out
         QPointF origin; ///< where the definition's origin comes to lie
     };
-    /// Called before a definition is drawn. True when the device has placed it itself; `draw` draws it on another device
-    /// under another transform, for a picture to be kept.
+    /// Draws the definition on a device, its own coordinates transformed by `toDevice`.
     using DrawDefinition = std::function<void(KcGiDevice& device, const QTransform& toDevice)>;
+    /// Called before a definition is drawn. True when the device has placed it itself, from what it kept of
+    /// it.
     virtual bool place(const Placement& placement, const DrawDefinition& draw) { return false; }
 
     virtual void pushClip(const QPainterPath& path) = 0;

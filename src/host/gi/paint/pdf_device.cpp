@@ -11,7 +11,10 @@
 namespace {
 
 constexpr double kPointsPerMillimetre = 72.0 / 25.4;
-constexpr int kDecimals = 1; // of places on the page, in device units
+constexpr int kDecimals = 1, kFormDecimals = 2; // of places on the page and in forms
+constexpr double kLeastForm
+    = 1000.0; // units over a form's longer side: it may be placed larger than at first
+constexpr double kEven = 1e-4; // slack of the axes of an even transform, as a share of their length
 constexpr int kColorDecimals = 3;
 constexpr int kTurnDecimals = 6; // of the entries of transforms
 
@@ -21,10 +24,10 @@ void putMatrix(QByteArray& out, const QTransform& m, int decimals)
         kcgiPutNumber(out, entry, decimals);
 }
 
-void putPoint(QByteArray& out, QPointF p)
+void putPoint(QByteArray& out, QPointF p, int decimals)
 {
-    kcgiPutNumber(out, p.x(), kDecimals);
-    kcgiPutNumber(out, p.y(), kDecimals);
+    kcgiPutNumber(out, p.x(), decimals);
+    kcgiPutNumber(out, p.y(), decimals);
 }
 
 QByteArray colorArray(const QColor& color)
@@ -54,6 +57,8 @@ QByteArray colorFunction(const QGradientStops& stops)
 
 KcGiPdfDevice::KcGiPdfDevice(const Options& options)
     : m_options(options)
+    , m_resources(m_file.reserve())
+    , m_decimals(kDecimals)
 {
     const double scale = kPointsPerMillimetre / options.unitsPerMillimetre;
     putMatrix(
@@ -91,8 +96,13 @@ void KcGiPdfDevice::setStroke(const Pen& pen)
         putColor(color, "RG\n");
         m_state.stroke = color;
     }
-    if (const double width = std::max(pen.width, m_options.hairline); width != m_state.width) {
-        kcgiPutNumber(m_content, width, 2);
+    const double width = std::max(pen.width, m_options.hairline);
+    if (m_form && !m_form->manyWidths) {
+        // One width for all is set where the form is placed, and does not grow with it.
+        m_form->manyWidths = m_form->width && *m_form->width != width;
+        m_form->width = width;
+    } else if (width != m_state.width) {
+        kcgiPutNumber(m_content, width * m_widthScale, 2);
         m_content += "w\n";
         m_state.width = width;
     }
@@ -114,7 +124,7 @@ void KcGiPdfDevice::stroke(const QPainterPath& path, const Pen& pen)
     if (path.isEmpty())
         return;
     setStroke(pen);
-    kcgiPutPath(m_content, path, kDecimals);
+    kcgiPutPath(m_content, path, m_decimals);
     m_content += "S\n";
 }
 
@@ -124,9 +134,9 @@ void KcGiPdfDevice::strokeLines(const std::vector<QLineF>& lines, const Pen& pen
         return;
     setStroke(pen);
     for (const QLineF& line : lines) {
-        putPoint(m_content, line.p1());
+        putPoint(m_content, line.p1(), m_decimals);
         m_content += "m ";
-        putPoint(m_content, line.p2());
+        putPoint(m_content, line.p2(), m_decimals);
         m_content += "l\n";
     }
     m_content += "S\n";
@@ -137,7 +147,7 @@ void KcGiPdfDevice::fill(const QPainterPath& path, QRgb color)
     if (path.isEmpty())
         return;
     setFill(color);
-    kcgiPutPath(m_content, path, kDecimals);
+    kcgiPutPath(m_content, path, m_decimals);
     m_content += path.fillRule() == Qt::WindingFill ? "f\n" : "f*\n";
 }
 
@@ -150,7 +160,7 @@ void KcGiPdfDevice::fill(const QPainterPath& path, const QBrush& brush)
     const QGradientStops stops = brush.gradient()->stops();
     setAlpha(stops.isEmpty() ? 255 : stops.first().second.alpha());
     m_content += "q\n";
-    kcgiPutPath(m_content, path, kDecimals);
+    kcgiPutPath(m_content, path, m_decimals);
     m_content += "W* n /S" + QByteArray::number(shading(*brush.gradient())) + " sh\nQ\n";
 }
 
@@ -161,14 +171,14 @@ int KcGiPdfDevice::shading(const QGradient& gradient)
     if (gradient.type() == QGradient::RadialGradient) {
         const auto& radial = static_cast<const QRadialGradient&>(gradient);
         type = "3";
-        putPoint(place, radial.focalPoint());
+        putPoint(place, radial.focalPoint(), m_decimals);
         kcgiPutNumber(place, 0.0, 0);
-        putPoint(place, radial.center());
-        kcgiPutNumber(place, radial.radius(), kDecimals);
+        putPoint(place, radial.center(), m_decimals);
+        kcgiPutNumber(place, radial.radius(), m_decimals);
     } else {
         const auto& linear = static_cast<const QLinearGradient&>(gradient);
-        putPoint(place, linear.start());
-        putPoint(place, linear.finalStop());
+        putPoint(place, linear.start(), m_decimals);
+        putPoint(place, linear.finalStop(), m_decimals);
     }
     const int number = m_file.reserve();
     m_file.write(
@@ -221,6 +231,84 @@ void KcGiPdfDevice::text(const KcGiTextRun& run, const QTransform& transform, QR
     });
 }
 
+// Definitions.
+
+bool KcGiPdfDevice::place(const Placement& placement, const DrawDefinition& draw)
+{
+    const QTransform& m = placement.linear;
+    const double scale = std::hypot(m.m11(), m.m12()), up = std::hypot(m.m21(), m.m22());
+    const bool isEven = std::abs(scale - up) <= kEven * scale
+        && std::abs(m.m11() * m.m21() + m.m12() * m.m22()) <= kEven * scale * up;
+    // Definitions in definitions are written out there. Of those as large as the sheet only what is seen is
+    // written.
+    const QSizeF sheet = m_options.paper * m_options.unitsPerMillimetre;
+    if (m_form || !isEven || !(scale > 0.0) || placement.box.width() > sheet.width() / 2
+        || placement.box.height() > sheet.height() / 2)
+        return false;
+    FormKey key{ placement.definition, placement.layer,      placement.linetype,
+                 placement.color,      placement.lineWeight, 0 };
+    Form* form = &m_forms[key];
+    if (form->number == 0)
+        make(*form, placement, scale, draw);
+    if (form->manyWidths) {
+        constexpr double kSteps = 1000.0;
+        key.scale = int(std::lround(std::log(scale) * kSteps));
+        form = &m_forms[key];
+        form->manyWidths = true;
+        if (form->number == 0)
+            make(*form, placement, scale, draw);
+    }
+    const double shrink = 1.0 / form->scale;
+    m_content += "q ";
+    for (const double entry : { m.m11(), m.m12(), m.m21(), m.m22() })
+        kcgiPutNumber(m_content, entry * shrink, kTurnDecimals);
+    putPoint(m_content, placement.origin, m_decimals);
+    m_content += "cm ";
+    if (form->width && !form->manyWidths) {
+        kcgiPutNumber(m_content, *form->width / (scale * shrink), 2);
+        m_content += "w ";
+    }
+    m_content += "/X" + QByteArray::number(form->number) + " Do Q\n";
+    return true;
+}
+
+// A form with lines of many widths is made twice: the first time finds that out, and stays unused.
+void KcGiPdfDevice::make(Form& form, const Placement& placement, double scale, const DrawDefinition& draw)
+{
+    const double size = std::max(placement.box.width(), placement.box.height());
+    form.scale = scale * std::max(1.0, kLeastForm / size);
+    QByteArray page = std::exchange(m_content, {});
+    // Nothing is known of the state in which the form will be drawn.
+    const State before = std::exchange(m_state, { 0, 0, -1.0, -1 });
+    const std::vector<State> saved = std::exchange(m_saved, {});
+    m_form = &form;
+    m_decimals = kFormDecimals;
+    m_widthScale = form.scale / scale;
+    const bool knowsWidths = form.manyWidths;
+    draw(*this, QTransform::fromScale(form.scale, form.scale));
+    m_form = nullptr;
+    m_decimals = kDecimals;
+    m_widthScale = 1.0;
+    m_state = before;
+    m_saved = saved;
+    const QByteArray drawn = std::exchange(m_content, std::move(page));
+    form.number = m_file.reserve();
+    if (form.manyWidths && !knowsWidths) {
+        m_file.write(form.number, "null");
+        return;
+    }
+    // Wide lines and texts may stand out of the definition's box.
+    const QRectF box = (placement.linear.inverted() * QTransform::fromScale(form.scale, form.scale))
+                           .mapRect(placement.box.translated(-placement.origin));
+    const double margin = std::max(box.width(), box.height());
+    QByteArray entries = "/Type /XObject /Subtype /Form /BBox [";
+    for (const double side :
+         { box.left() - margin, box.top() - margin, box.right() + margin, box.bottom() + margin })
+        kcgiPutNumber(entries, side, 0);
+    m_file.writeStream(form.number, entries + "] /Resources " + KcGiPdfFile::reference(m_resources), drawn);
+    m_formNumbers.push_back(form.number);
+}
+
 void KcGiPdfDevice::pushClip(const QPainterPath& path)
 {
     m_saved.push_back(m_state);
@@ -228,7 +316,7 @@ void KcGiPdfDevice::pushClip(const QPainterPath& path)
     if (path.isEmpty())
         m_content += "0 0 m 0 0 l h\n"; // nothing is seen
     else
-        kcgiPutPath(m_content, path, kDecimals);
+        kcgiPutPath(m_content, path, m_decimals);
     m_content += path.fillRule() == Qt::WindingFill ? "W n\n" : "W* n\n";
 }
 
@@ -257,7 +345,10 @@ QByteArray KcGiPdfDevice::finish()
     for (size_t i = 0; i < m_shadings.size(); ++i)
         resources
             += "/S" + QByteArray::number(qsizetype(i)) + ' ' + KcGiPdfFile::reference(m_shadings[i]) + ' ';
-    resources += ">>";
+    resources += ">> /XObject << ";
+    for (const int form : m_formNumbers)
+        resources += "/X" + QByteArray::number(form) + ' ' + KcGiPdfFile::reference(form) + ' ';
+    m_file.write(m_resources, "<< " + resources + ">> >>");
     QByteArray box = "[0 0 ";
     kcgiPutNumber(box, m_options.paper.width() * kPointsPerMillimetre, 3);
     kcgiPutNumber(box, m_options.paper.height() * kPointsPerMillimetre, 3);
@@ -266,7 +357,7 @@ QByteArray KcGiPdfDevice::finish()
     m_file.write(
         page,
         "<< /Type /Page /Parent " + KcGiPdfFile::reference(pages) + " /MediaBox " + box + " /Contents "
-            + KcGiPdfFile::reference(content) + " /Resources << " + resources + " >> >>");
+            + KcGiPdfFile::reference(content) + " /Resources " + KcGiPdfFile::reference(m_resources) + " >>");
     m_file.write(pages, "<< /Type /Pages /Count 1 /Kids [" + KcGiPdfFile::reference(page) + "] >>");
     m_file.write(catalog, "<< /Type /Catalog /Pages " + KcGiPdfFile::reference(pages) + " >>");
     m_file.write(

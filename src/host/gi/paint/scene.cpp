@@ -11,21 +11,11 @@
 
 namespace {
 
-constexpr size_t kDeepest = 64; // blocks in blocks
 constexpr size_t kMostVisits = 200'000'000; // entities drawn, those of blocks counted each time
 constexpr size_t kVisitsBetweenLooks = 256;
 constexpr int kDefaultLineWeight = 25; // hundredths of a millimetre
 constexpr int kByLayerWeight = -1, kByBlockWeight = -2, kDefaultWeight = -3;
 constexpr uint32_t kAlphaGiven = 0x02000000, kAlphaByBlock = 0x01000000;
-
-// Attribute definitions stand for the attributes of the reference; constant ones are drawn with the
-// definition.
-bool isReplaced(const KcDbEntity& entity)
-{
-    return entity.isKindOf(KcDbAttributeDefinition::desc())
-        && (!static_cast<const KcDbAttributeDefinition&>(entity).isConstant()
-            || static_cast<const KcDbAttributeDefinition&>(entity).isInvisible());
-}
 
 bool isLight(QRgb color)
 {
@@ -62,7 +52,7 @@ void KcGiScene::enter(const KcGeMatrix3d& toDevice)
                  d = toDevice.entry(1, 1);
     const double determinant = a * d - b * c;
     const double scale = kcgiLargestScale(toDevice);
-    m_context.pixel = scale > 0.0 && std::isfinite(scale) ? 1.0 / scale : 0.0;
+    m_context.pixel = m_options.area && scale > 0.0 && std::isfinite(scale) ? 1.0 / scale : 0.0;
     m_context.window.reset();
     if (!m_options.area || !std::isfinite(determinant) || determinant == 0.0)
         return;
@@ -214,18 +204,6 @@ bool KcGiScene::draw(std::vector<KcDbObjectId> ids)
     return drawAll(ids);
 }
 
-// What a definition draws, sorted once.
-const std::vector<KcDbObjectId>& KcGiScene::contents(const KcDbBlockTableRecord& definition)
-{
-    const auto [at, isNew] = m_contents.try_emplace(definition.objectId().stub());
-    if (!isNew)
-        return at->second;
-    for (const KcDbObjectId id : kcdbInDrawingOrder(definition))
-        if (const KcDbRead<KcDbEntity> entity(id); entity && !isReplaced(*entity))
-            at->second.push_back(id);
-    return at->second;
-}
-
 bool KcGiScene::drawAll(const std::vector<KcDbObjectId>& ids)
 {
     size_t done = 0;
@@ -295,90 +273,4 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
     m_traits = traitsBefore;
     m_entity = entityBefore;
     m_layer = layerBefore;
-}
-
-void KcGiScene::block(KcDbObjectId definition, const KcGeMatrix3d& toCurrent)
-{
-    const KcDbRead<KcDbBlockTableRecord> record(definition);
-    if (!record || m_stopped)
-        return;
-    if (std::find(m_definitions.begin(), m_definitions.end(), definition) != m_definitions.end())
-        return leftOut(QStringLiteral("the block %1 inside itself").arg(record->name()));
-    if (m_definitions.size() >= kDeepest)
-        return leftOut(QStringLiteral("blocks nested more than %1 deep").arg(kDeepest));
-    for (int row = 0; row < 3; ++row)
-        for (int column = 0; column < 4; ++column)
-            if (!(std::abs(toCurrent.entry(row, column)) < kcgiFarthest))
-                return leftOut(QStringLiteral("a block at no place that could be drawn"));
-
-    const KcGeExtents3d box = KcDbBlockReference::definitionExtents(definition);
-    if (!box.isEmpty() && !wants(toCurrent.transformed(box)))
-        return;
-    if (!box.isEmpty() && m_device.smallest() > 0.0 && placed(definition, toCurrent, box))
-        return;
-
-    drawDefinition(definition, *record, m_context.matrix * toCurrent);
-}
-
-// True when the device has something quicker than drawing all of a definition.
-bool KcGiScene::placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, const KcGeExtents3d& box)
-{
-    const KcGeMatrix3d matrix = m_context.matrix * toCurrent;
-    const KcGeExtents3d seen = matrix.transformed(box);
-    if (std::max(seen.width(), seen.height()) < m_device.smallest()) {
-        const KcGePoint3d center = seen.center();
-        m_device.dot({ center.x, center.y }, m_traits.color);
-        return true;
-    }
-    // What is half transparent, or takes gaps from the reference's line type, is drawn.
-    if (qAlpha(m_traits.color) != 255 || m_traits.pattern || m_options.oneColor
-        || m_options.unitsPerMillimetre > 0.0)
-        return false;
-    KcGiDevice::Placement placement;
-    placement.definition = definition.stub();
-    placement.color = m_traits.color;
-    placement.layer = m_layer ? m_layer->id : nullptr;
-    placement.box = QRectF(seen.min.x, seen.min.y, seen.width(), seen.height());
-    placement.linear = QTransform(
-        matrix.entry(0, 0), matrix.entry(1, 0), matrix.entry(0, 1), matrix.entry(1, 1), 0.0, 0.0);
-    placement.origin = { matrix.entry(0, 3), matrix.entry(1, 3) };
-    return m_device.place(placement, [&](KcGiDevice& device, const QTransform& to) {
-        KcGiSceneOptions options = m_options;
-        options.progress = {};
-        options.area = QRectF(-1e4, -1e4, 2e4, 2e4);
-        KcGiScene inner(m_database, device, options);
-        const KcDbRead<KcDbBlockTableRecord> record(definition);
-        inner.m_definitions = m_definitions;
-        inner.m_entity = m_entity;
-        inner.m_layer = m_layer;
-        inner.m_traits = m_traits;
-        inner.drawDefinition(
-            definition, *record,
-            KcGeMatrix3d::fromAxes(
-                { to.dx(), to.dy(), 0 }, { to.m11(), to.m12(), 0 }, { to.m21(), to.m22(), 0 }, { 0, 0, 1 }));
-    });
-}
-
-void KcGiScene::drawDefinition(
-    KcDbObjectId definition, const KcDbBlockTableRecord& record, const KcGeMatrix3d& matrix)
-{
-    const Context before = m_context;
-    const Traits traitsBefore = m_traits;
-    m_context.blockColor = m_traits.color | 0xff000000u;
-    m_context.blockPattern = m_traits.pattern;
-    m_context.blockLineWeight
-        = m_entity && m_layer ? lineWeightOf(m_entity->lineWeight(), *m_layer) : kDefaultWeight;
-    m_context.blockAlpha = qAlpha(m_traits.color);
-    m_context.blockLayer = m_layer;
-    enter(matrix);
-    m_definitions.push_back(definition);
-    for (const KcDbObjectId id : contents(record)) {
-        if (isStopped())
-            break;
-        if (const KcDbRead<KcDbEntity> entity(id); entity)
-            drawOne(*entity);
-    }
-    m_definitions.pop_back();
-    m_context = before;
-    m_traits = traitsBefore;
 }

@@ -78,6 +78,11 @@ private:
         std::vector<double> dashes;
         double length = 0.0;
     };
+    /// What a definition draws.
+    struct Contents {
+        std::vector<KcDbObjectId> ids; ///< in drawing order
+        bool hasNoEnds = false; ///< holds lines without ends, so that its box says nothing
+    };
     /// How the lines of the entity that draws look.
     struct Traits {
         QRgb color = 0xff000000;
@@ -111,10 +116,10 @@ private:
     void enter(const KcGeMatrix3d& toDevice);
     void drawOne(const KcDbEntity& entity);
     bool placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, const KcGeExtents3d& box);
-    void
-    drawDefinition(KcDbObjectId definition, const KcDbBlockTableRecord& record, const KcGeMatrix3d& matrix);
+    void drawDefinition(KcDbObjectId definition, const Contents& inside, const KcGeMatrix3d& matrix);
     bool drawAll(const std::vector<KcDbObjectId>& ids);
-    const std::vector<KcDbObjectId>& contents(const KcDbBlockTableRecord& definition);
+    const Contents& contents(const KcDbBlockTableRecord& definition);
+    int inheritedWeight() const;
     void drawModel(const KcDbViewport& viewport);
     QPainterPath plane(const KcGiPath& path) const;
     void dash(const KcGiPath& path, Stroke options);
@@ -129,8 +134,7 @@ private:
     const Layer* m_layer = nullptr; ///< its layer
     std::unordered_map<const void*, Layer> m_layers;
     std::unordered_map<const void*, Pattern> m_patterns;
-    std::unordered_map<const void*, std::vector<KcDbObjectId>>
-        m_contents; ///< of definitions, in drawing order
+    std::unordered_map<const void*, Contents> m_contents; ///< by definition
     KcDbObjectId m_byLayerLinetype, m_byBlockLinetype;
     std::vector<KcDbObjectId> m_definitions; ///< being drawn, outermost first
     std::map<QString, size_t> m_leftOut;

@@ -90,8 +90,10 @@ public:
     bool place(const Placement& placement, const DrawDefinition& draw) override
     {
         const double size = std::max(placement.box.width(), placement.box.height());
-        // Inside clips the painter must see everything.
-        if (size >= kStampBelow || m_clips > 0)
+        // Inside clips the painter must see everything; what is half transparent, has gaps or weights is
+        // drawn.
+        if (size >= kStampBelow || m_clips > 0 || qAlpha(placement.color) != 255 || placement.linetype
+            || !placement.thinLines)
             return false;
         const QTransform& m = placement.linear;
         const double scale = std::hypot(m.m11(), m.m12()), up = std::hypot(m.m21(), m.m22());
