@@ -54,11 +54,14 @@ TEST_P(DrawnBoxes, AgreeWithTheExtentsOfEveryEntity)
             continue;
         ASSERT_FALSE(box.isEmpty()) << "#" << std::hex << id.handle() << " draws, but has no box";
         ++compared;
-        // Lines under and over texts stand out of the box of their letters.
-        const bool exact = isExact(*entity), isText = entity->isKindOf(KcDbText::desc());
+        // Lines under texts stand out of the box of their letters, arrow heads to both sides of a leader.
+        const bool exact = isExact(*entity);
         const double longer = std::max({ box.width(), box.height(), 1e-3 }),
                      shorter = std::min(box.width(), box.height());
-        const double slack = exact ? 1e-3 * longer : isText ? 0.5 * shorter : 0.05 * longer;
+        const double slack = exact                 ? 1e-3 * longer
+            : entity->isKindOf(KcDbText::desc())   ? 0.5 * shorter
+            : entity->isKindOf(KcDbLeader::desc()) ? 0.15 * longer
+                                                   : 0.05 * longer;
         const KcGeExtents2d& drawn = device.box;
         const auto name = [&] {
             std::ostringstream text;
