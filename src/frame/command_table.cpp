@@ -16,6 +16,7 @@ constexpr CommandRow table[] = {
     { u"VDHELP", openHelp, 2, "open the help file" },
     { u"DRAWINGSETTING", editDrawingSettings, 2,
       "drawing scale, text height, units, dimension style and layer switches" },
+    { u"BLOCKARRAY", arrayBlocks, 2, "place plant symbols along a path" },
     { u"TREENUMTOTABLE", countPlantsIntoTable, 2,
       "count plant symbols or labels into a tree quantity table" },
     { u"UPDATETREENUMTOTABLE", updatePlantTables, 2, "count existing tree quantity tables anew" },

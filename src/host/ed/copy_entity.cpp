@@ -77,16 +77,16 @@ void copyVertices(KcDbObjectId to, const std::vector<KcDbObjectId>& vertices)
 
 } // namespace
 
-KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform)
+KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform, KcDbObjectId into)
 {
     std::unique_ptr<KcDbEntity> copy;
     std::vector<KcDbObjectId> attributes, vertices;
-    KcDbObjectId owner;
     {
         const KcDbRead<KcDbEntity> original(entity);
         if (!original || original->isKindOf(KcDbRawEntity::desc()))
             return {};
-        owner = original->ownerId();
+        if (into.isNull())
+            into = original->ownerId();
         copy.reset(static_cast<KcDbEntity*>(detachedCopy(*original).release()));
     }
     if (auto* reference = as<KcDbBlockReference>(*copy); reference && reference->data().array) {
@@ -98,7 +98,7 @@ KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform)
         polyline->data().sequenceEnd = {};
     }
 
-    const KcDbRead<KcDbBlockTableRecord> block(owner);
+    const KcDbRead<KcDbBlockTableRecord> block(into);
     if (!block)
         return {};
     const KcDbObjectId id = block->appendEntity(std::move(copy));

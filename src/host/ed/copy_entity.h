@@ -3,7 +3,8 @@
 
 #include "db/entity.h"
 
-/// Copies an entity with its attributes or vertices into the block that holds it, and transforms the copy.
+/// Copies an entity with its attributes or vertices into a block of its drawing, null being the one that holds it,
+/// and transforms the copy.
 /// Extended data is copied; the extension dictionary, reactors and the link of a hatch to its boundary stay
 /// with the original. Null when the entity cannot be opened or its kind cannot be transformed.
-KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform);
+KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform, KcDbObjectId into = {});
