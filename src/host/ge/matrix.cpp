@@ -120,10 +120,21 @@ KcGeExtents3d KcGeMatrix3d::transformed(const KcGeExtents3d& box) const
     KcGeExtents3d result;
     if (box.isEmpty())
         return result;
-    for (int corner = 0; corner < 8; ++corner) {
-        result.addPoint(*this
-            * KcGePoint3d {corner & 1 ? box.max.x : box.min.x, corner & 2 ? box.max.y : box.min.y,
-                corner & 4 ? box.max.z : box.min.z});
+    // Each coordinate of a corner is a sum with one of two values for each axis, so that the least and the greatest sums
+    // are those of the least and greatest values.
+    const double low[3] = {box.min.x, box.min.y, box.min.z}, high[3] = {box.max.x, box.max.y, box.max.z};
+    double least[3], most[3];
+    for (int row = 0; row < 3; ++row) {
+        double from = 0.0, to = 0.0;
+        for (int column = 0; column < 3; ++column) {
+            const double a = m[row][column] * low[column], b = m[row][column] * high[column];
+            from += std::min(a, b);
+            to += std::max(a, b);
+        }
+        least[row] = from + m[row][3];
+        most[row] = to + m[row][3];
     }
+    result.min = {least[0], least[1], least[2]};
+    result.max = {most[0], most[1], most[2]};
     return result;
 }

@@ -246,7 +246,7 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
     const bool isReference = entity.isKindOf(KcDbBlockReference::desc());
     if (own->off && !isReference)
         return;
-    if (m_context.window && !isReference)
+    if (m_context.window && !isReference && !m_context.allSeen)
         if (const KcGeExtents3d box = entity.geomExtents(); !box.isEmpty() && !wants(box))
             return;
 

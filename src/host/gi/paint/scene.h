@@ -96,6 +96,7 @@ private:
         KcGeMatrix3d matrix; ///< to the device
         std::optional<KcGeExtents2d> window;
         double pixel = 0.0;
+        bool allSeen = false; ///< nothing of the definition lies outside the window
         // What ByBlock and the layer "0" mean.
         QRgb blockColor = 0;
         const Pattern* blockPattern = nullptr;
@@ -115,8 +116,11 @@ private:
     int alphaOf(const KcDbEntity& entity, const Layer& layer) const;
     void enter(const KcGeMatrix3d& toDevice);
     void drawOne(const KcDbEntity& entity);
-    bool placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, const KcGeExtents3d& box);
-    void drawDefinition(KcDbObjectId definition, const Contents& inside, const KcGeMatrix3d& matrix);
+    bool placed(
+        KcDbObjectId definition, const KcGeMatrix3d& matrix, const KcGeExtents3d& box,
+        const KcGeExtents3d& seen);
+    void drawDefinition(
+        KcDbObjectId definition, const Contents& inside, const KcGeMatrix3d& matrix, bool allSeen = false);
     bool drawAll(const std::vector<KcDbObjectId>& ids);
     const Contents& contents(const KcDbBlockTableRecord& definition);
     int inheritedWeight() const;

@@ -55,24 +55,34 @@ void KcGiScene::block(KcDbObjectId definition, const KcGeMatrix3d& toCurrent)
         return leftOut(QStringLiteral("the block %1 inside itself").arg(record->name()));
     if (m_definitions.size() >= kDeepest)
         return leftOut(QStringLiteral("blocks nested more than %1 deep").arg(kDeepest));
+    const KcGeMatrix3d matrix = m_context.matrix * toCurrent;
     for (int row = 0; row < 3; ++row)
         for (int column = 0; column < 4; ++column)
-            if (!(std::abs(toCurrent.entry(row, column)) < kcgiFarthest))
+            if (!(std::abs(matrix.entry(row, column)) < kcgiFarthest))
                 return leftOut(QStringLiteral("a block at no place that could be drawn"));
 
     const Contents& inside = contents(*record);
     const KcGeExtents3d box = KcDbBlockReference::definitionExtents(definition);
-    if (!box.isEmpty() && !inside.hasNoEnds
-        && (!wants(toCurrent.transformed(box)) || placed(definition, toCurrent, box)))
-        return;
-    drawDefinition(definition, inside, m_context.matrix * toCurrent);
+    if (box.isEmpty() || inside.hasNoEnds)
+        return drawDefinition(definition, inside, matrix);
+    const KcGeExtents3d seen = matrix.transformed(box);
+    bool allSeen = false;
+    if (m_options.area) {
+        const QRectF& area = *m_options.area;
+        if (seen.max.x < area.left() || seen.min.x > area.right() || seen.max.y < area.top()
+            || seen.min.y > area.bottom())
+            return;
+        allSeen = seen.min.x >= area.left() && seen.max.x <= area.right() && seen.min.y >= area.top()
+            && seen.max.y <= area.bottom();
+    }
+    if (!placed(definition, matrix, box, seen))
+        drawDefinition(definition, inside, matrix, allSeen);
 }
 
 // True when the device has something quicker than drawing all of a definition.
-bool KcGiScene::placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, const KcGeExtents3d& box)
+bool KcGiScene::placed(
+    KcDbObjectId definition, const KcGeMatrix3d& matrix, const KcGeExtents3d& box, const KcGeExtents3d& seen)
 {
-    const KcGeMatrix3d matrix = m_context.matrix * toCurrent;
-    const KcGeExtents3d seen = matrix.transformed(box);
     if (std::max(seen.width(), seen.height()) < m_device.smallest()) {
         const KcGePoint3d center = seen.center();
         m_device.dot({ center.x, center.y }, m_traits.color);
@@ -91,7 +101,7 @@ bool KcGiScene::placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, c
     placement.linear = QTransform(
         matrix.entry(0, 0), matrix.entry(1, 0), matrix.entry(0, 1), matrix.entry(1, 1), 0.0, 0.0);
     placement.origin = { matrix.entry(0, 3), matrix.entry(1, 3) };
-    return m_device.place(placement, [&](KcGiDevice& device, const QTransform& to) {
+    const auto draw = [&](KcGiDevice& device, const QTransform& to) {
         KcGiSceneOptions options = m_options;
         options.progress = {};
         const KcGeMatrix3d toDevice = KcGeMatrix3d::fromAxes(
@@ -110,7 +120,9 @@ bool KcGiScene::placed(KcDbObjectId definition, const KcGeMatrix3d& toCurrent, c
         for (const auto& [what, count] : inner.m_leftOut)
             m_leftOut[what] += count;
         m_stopped = m_stopped || inner.m_stopped;
-    });
+    };
+    // By reference: a function of this size would be put on the heap for each of a million references.
+    return m_device.place(placement, std::cref(draw));
 }
 
 int KcGiScene::inheritedWeight() const
@@ -118,7 +130,8 @@ int KcGiScene::inheritedWeight() const
     return m_entity && m_layer ? lineWeightOf(m_entity->lineWeight(), *m_layer) : kDefaultWeight;
 }
 
-void KcGiScene::drawDefinition(KcDbObjectId definition, const Contents& inside, const KcGeMatrix3d& matrix)
+void KcGiScene::drawDefinition(
+    KcDbObjectId definition, const Contents& inside, const KcGeMatrix3d& matrix, bool allSeen)
 {
     const Context before = m_context;
     const Traits traitsBefore = m_traits;
@@ -128,6 +141,7 @@ void KcGiScene::drawDefinition(KcDbObjectId definition, const Contents& inside, 
     m_context.blockAlpha = qAlpha(m_traits.color);
     m_context.blockLayer = m_layer;
     enter(matrix);
+    m_context.allSeen = allSeen;
     m_definitions.push_back(definition);
     for (const KcDbObjectId id : inside.ids) {
         if (isStopped())
