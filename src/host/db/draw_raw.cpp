@@ -6,6 +6,7 @@
 #include "db/block_table_record.h"
 #include "db/database.h"
 #include "db/text.h"
+#include "db/wipeout.h"
 #include "gi/sink/world_draw.h"
 
 namespace {
@@ -64,15 +65,11 @@ void KcDbRawEntity::worldDraw(KcGiWorldDraw& draw) const
     drawer(draw, *this, groups);
 }
 
-void kcdbDrawFrame(
-    KcGiWorldDraw& draw, KcGePoint3d origin, KcGeVector3d right, KcGeVector3d up, const QString& name)
+static void
+drawName(KcGiWorldDraw& draw, KcGePoint3d origin, KcGeVector3d right, KcGeVector3d up, const QString& name)
 {
     // The name fills at most this share of the frame's width and height.
     constexpr double kShare = 0.8, kTall = 0.1;
-    KcGiPath frame;
-    frame.polyline({ origin, origin + right, origin + right + up, origin + up }, true);
-    draw.setContinuous(true);
-    draw.stroke(frame);
     const double width = right.length(), height = up.length();
     if (name.isEmpty() || !(width > 0.0) || !(height > 0.0))
         return;
@@ -84,6 +81,16 @@ void kcdbDrawFrame(
     KcGiTextRun run{ name, font, size, {}, right / width, up / height };
     run.origin = origin + right * 0.5 + up * 0.5 - run.along * (wide * size / 2.0) - run.up * (size / 2.0);
     draw.text(run);
+}
+
+void kcdbDrawFrame(
+    KcGiWorldDraw& draw, KcGePoint3d origin, KcGeVector3d right, KcGeVector3d up, const QString& name)
+{
+    KcGiPath frame;
+    frame.polyline({ origin, origin + right, origin + right + up, origin + up }, true);
+    draw.setContinuous(true);
+    draw.stroke(frame);
+    drawName(draw, origin, right, up, name);
 }
 
 void kcdbDrawPicture(KcGiWorldDraw& draw, const KcDbRawEntity& entity, const KcDbValueList& groups)
@@ -114,8 +121,31 @@ void kcdbDrawPicture(KcGiWorldDraw& draw, const KcDbRawEntity& entity, const KcD
             place * KcGeVector3d{ clip.max.x - clip.min.x, 0, 0 },
             place * KcGeVector3d{ 0, clip.max.y - clip.min.y, 0 }, name);
     }
+    // Pictures are cut like wipeouts, which are pictures without a content.
+    KcDbWipeout cut;
+    KcDbWipeout::Data& data = cut.data();
     const KcGePoint3d pixels = g.point(13);
-    const KcGeVector3d u = g.vector(11, { 1, 0, 0 }), v = g.vector(12, { 0, 1, 0 });
-    kcdbDrawFrame(draw, g.point(10), u * pixels.x, v * pixels.y, name);
+    data.origin = g.point(10);
+    data.uVector = g.vector(11, { 1, 0, 0 });
+    data.vVector = g.vector(12, { 0, 1, 0 });
+    data.imageSize = { pixels.x, pixels.y };
+    data.clipping = int(g.integer(280));
+    data.clipType = int(g.integer(71, 1));
+    for (const KcDbTypedValue& value : groups)
+        if (const auto* p = std::get_if<KcGePoint3d>(&value.value); p && value.code == 14)
+            data.clip.push_back({ p->x, p->y });
+    const std::vector<KcGePoint3d> outline = cut.outline();
+    KcGiPath frame;
+    frame.polyline(outline, true);
+    draw.setContinuous(true);
+    draw.stroke(frame);
+    // The name stands in the middle of what is shown, along the picture's rows.
+    const KcGeVector3d u = data.uVector.normal(), v = data.vVector.normal();
+    KcGeExtents2d box;
+    for (const KcGePoint3d corner : outline)
+        box.addPoint({ (corner - data.origin).dotProduct(u), (corner - data.origin).dotProduct(v) });
+    drawName(
+        draw, data.origin + u * box.min.x + v * box.min.y, u * (box.max.x - box.min.x),
+        v * (box.max.y - box.min.y), name);
     draw.leftOut(QStringLiteral("a picture (%1), shown by its frame").arg(name));
 }

@@ -23,13 +23,6 @@ bool isWide(char32_t c)
         || (c >= 0xfe30 && c <= 0xfe6f) || (c >= 0xff00 && c <= 0xff60) || c >= 0x20000;
 }
 
-/// The diameter sign, which fonts seldom have, is drawn as the letter that looks like it.
-char32_t drawnCharacter(char32_t c)
-{
-    constexpr char32_t kDiameter = 0x2300, kStrokedO = 0xd8;
-    return c == kDiameter ? kStrokedO : c;
-}
-
 struct Glyph {
     double advance = 0.0, bottom = 0.0, top = 0.0; ///< heights of capitals
     bool ink = false;
@@ -195,6 +188,13 @@ bool ensureGuiApplication()
     static int count = 3;
     new QGuiApplication(count, arguments);
     return true;
+}
+
+char32_t drawnCharacter(char32_t character)
+{
+    // The letter that looks like it.
+    constexpr char32_t kDiameter = 0x2300, kStrokedO = 0xd8;
+    return character == kDiameter ? kStrokedO : character;
 }
 
 QString fontForStyle(const QString& font, const QString& bigFont, const QString& typeface)

@@ -29,6 +29,9 @@ QString fontForStyle(const QString& font, const QString& bigFont, const QString&
 /// it, or when none has.
 QString fontForCharacter(char32_t character, const QString& family, bool bold = false, bool italic = false);
 
+/// What is measured and drawn in the place of a character that fonts lack (the diameter sign); else itself.
+char32_t drawnCharacter(char32_t character);
+
 /// Factor from the height of capital letters to the pixel size (em) of a family; 1.4 when there is no such
 /// font.
 double emOfCapHeight(const QString& family, bool bold = false, bool italic = false);

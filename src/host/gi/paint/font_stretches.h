@@ -23,7 +23,8 @@ template <class Part> void kcgiForFamilies(const KcGi::TextStyle& style, const Q
 {
     const QString family = KcGi::fontForStyle(style.font, style.bigFont, style.typeface);
     QString stretch, current = family;
-    for (const char32_t c : text.toUcs4()) {
+    for (const char32_t character : text.toUcs4()) {
+        const char32_t c = KcGi::drawnCharacter(character);
         const QString own = KcGi::fontForCharacter(c, family, style.bold, style.italic);
         if (own != current && !stretch.isEmpty())
             part(current, std::exchange(stretch, QString()));

@@ -1,0 +1,118 @@
+// `verdelis plot` as a user calls it.
+#include <gtest/gtest.h>
+
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace {
+
+class Plot : public ::testing::Test {
+protected:
+    int plot(const QStringList& arguments)
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("VERDELIS_ROOT", folder.filePath("root"));
+        for (const char* name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
+            environment.remove(name);
+        process.setProcessEnvironment(environment);
+        process.start(VERDELIS_PROGRAM, QStringList{ "plot" } + arguments);
+        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+            return -1;
+        said = QString::fromUtf8(process.readAllStandardError());
+        return process.exitCode();
+    }
+
+    QTemporaryDir folder;
+    const QString plan = QStringLiteral(VERDELIS_SOURCE_DIR "/examples/planting-plan.dxf");
+    const QString viewports = QStringLiteral(VERDELIS_TEST_DATA "/drawings/viewports-r2013.dxf");
+    QString said;
+};
+
+/// The share of pixels that are not white.
+double inked(const QImage& image)
+{
+    int dark = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            dark += qGray(image.pixel(x, y)) < 250;
+    return double(dark) / (image.width() * image.height());
+}
+
+} // namespace
+
+TEST_F(Plot, ExitStatusesAndWhatIsSaid)
+{
+    const QString png = folder.filePath("p.png");
+    const struct {
+        const char* name;
+        QStringList arguments;
+        int status;
+        const char* says;
+    } rows[] = {
+        { "no file to write", { plan }, 2, "plot takes a drawing and the file to write" },
+        { "another kind of file",
+          { plan, folder.filePath("p.tiff") },
+          2,
+          "A plot is a .png, .pdf or .svg file" },
+        { "no such drawing", { folder.filePath("none.dxf"), png }, 1, "none.dxf" },
+        { "no such folder", { plan, folder.filePath("none/p.png") }, 1, "there is no folder" },
+        { "no such layout", { plan, png, "--layout", "Sheet 9" }, 1, "no layout \"Sheet 9\"; it has: Model" },
+        { "a window that is none", { plan, png, "--window", "0,0,10" }, 2, "--window takes two corners" },
+        { "a scale that is none", { plan, png, "--scale", "200" }, 2, "--scale takes a scale as 1:200" },
+        { "a size that is none", { plan, png, "--size", "0x100" }, 2, "--size takes pixels" },
+        { "a size beyond memory", { plan, png, "--size", "100000x100000" }, 1, "1 to 30000 pixels" },
+        { "a paper that is none", { plan, png, "--paper", "Z9" }, 2, "There is no paper \"Z9\"" },
+        { "an option that is none", { plan, png, "--rotate", "90" }, 2, "--rotate" },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(plot(row.arguments), row.status);
+        EXPECT_TRUE(said.contains(row.says)) << qPrintable(said);
+        EXPECT_FALSE(QFileInfo::exists(png));
+    }
+}
+
+TEST_F(Plot, WritesEveryFormat)
+{
+    for (const QString name : { "p.png", "p.pdf", "p.svg" }) {
+        SCOPED_TRACE(qPrintable(name));
+        ASSERT_EQ(plot({ plan, folder.filePath(name) }), 0) << qPrintable(said);
+        EXPECT_GT(QFileInfo(folder.filePath(name)).size(), 20'000);
+    }
+    const QImage image(folder.filePath("p.png"));
+    EXPECT_EQ(std::max(image.width(), image.height()), 1600);
+    EXPECT_GT(inked(image), 0.03);
+    EXPECT_LT(inked(image), 0.6);
+}
+
+TEST_F(Plot, ScaleAndPaperGiveTheSizeOfThePicture)
+{
+    const QString png = folder.filePath("p.png");
+    ASSERT_EQ(plot({ plan, png, "--paper", "A1", "--scale", "1:200" }), 0);
+    EXPECT_EQ(QImage(png).size(), QSize(3179, 2246)); // 841 × 594 mm at 96 dots to the inch
+    // Half the scale fills about a quarter of the ink's area.
+    const double large = inked(QImage(png));
+    ASSERT_EQ(plot({ plan, png, "--paper", "A1", "--scale", "1:400" }), 0);
+    EXPECT_LT(inked(QImage(png)), 0.7 * large);
+    ASSERT_EQ(plot({ plan, png, "--size", "800x300" }), 0);
+    EXPECT_EQ(QImage(png).size(), QSize(800, 300));
+}
+
+TEST_F(Plot, LayoutsShowTheModelThroughTheirViewports)
+{
+    const QString png = folder.filePath("p.png");
+    ASSERT_EQ(plot({ viewports, png, "--layout", "Layout1", "--size", "1200x900" }), 0) << qPrintable(said);
+    const QImage sheet(png);
+    // The largest viewport lies on the left; inside it the frame of a picture.
+    int lines = 0;
+    bool wasDark = false;
+    for (int x = 20; x < 360; ++x) {
+        const bool isDark = qGray(sheet.pixel(x, 380)) < 128;
+        lines += isDark && !wasDark;
+        wasDark = isDark;
+    }
+    EXPECT_EQ(lines, 4);
+}
