@@ -3,10 +3,8 @@
 #include "program.h"
 
 #include "ed/console.h"
+#include "ed/document_files.h"
 #include "ed/editor.h"
-#include "platform/files.h"
-
-#include <QStringDecoder>
 
 namespace program {
 
@@ -19,22 +17,14 @@ struct Plan {
     int status = kDone; ///< why nothing can be run
 };
 
-// A script is UTF-8, or UTF-16 with a byte order mark.
 bool appendScript(KcEdScriptSource& script, const QString& path)
 {
-    const auto bytes = platform::readWholeFile(path);
-    if (!bytes) {
-        kcedSayError(bytes.error);
-        return false;
-    }
-    QStringDecoder decoder(QStringConverter::encodingForData(*bytes).value_or(QStringConverter::Utf8));
-    const QString text = decoder(*bytes);
-    if (decoder.hasError()) {
-        kcedSayError(QStringLiteral("The script %1 is not written in UTF-8.").arg(path));
-        return false;
-    }
-    script.append(text, path);
-    return true;
+    const auto text = kcedReadScript(path);
+    if (text)
+        script.append(*text, path);
+    else
+        kcedSayError(text.error);
+    return text.ok();
 }
 
 int readPlan(Arguments arguments, Plan& plan)
@@ -79,14 +69,14 @@ int run(const Arguments& arguments)
         return status;
     if (!prepareCommands())
         return kFileError;
-    KcApDocument* document = openDrawing(plan.drawing);
-    if (!document)
+    if (!openDrawing(plan.drawing))
         return kFileError;
     {
         const KcEdSourceScope source(plan.script);
         KcEdEditor::instance().run();
     }
-    if (!plan.output.isEmpty() && !saveDrawingAs(*document, plan.output))
+    // A script may have opened another one.
+    if (!plan.output.isEmpty() && !saveDrawingAs(*kcDocManagerPtr()->curDocument(), plan.output))
         return kFileError;
     return plan.script.refusals() > 0 ? kUsageError : kDone;
 }

@@ -24,15 +24,14 @@ int shell(const Arguments& given)
             return fileError(reason);
     if (!prepareCommands())
         return kFileError;
-    KcApDocument* document = openDrawing(arguments.first());
-    if (!document)
+    if (!openDrawing(arguments.first()))
         return kFileError;
     {
         KcEdStreamSource terminal(std::cin, isatty(STDIN_FILENO));
         const KcEdSourceScope source(terminal);
         KcEdEditor::instance().run();
     }
-    if (output && !saveDrawingAs(*document, *output))
+    if (output && !saveDrawingAs(*kcDocManagerPtr()->curDocument(), *output))
         return kFileError;
     return kDone;
 }

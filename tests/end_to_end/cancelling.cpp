@@ -20,6 +20,35 @@ const std::vector<Walk>& walks()
 {
     static const std::vector<Walk> rows = {
         // The host's.
+        { "-BOUNDARY", { "5000,5000", "" } },
+        { "ARC", { "0,0", "C", "10,0", "A", "90" } },
+        { "AREA", { "0,0", "10,0", "10,10", "" } },
+        { "CIRCLE", { "0,0", "D", "100" } },
+        { "DIST", { "0,0", "10,0" } },
+        { "EXPLODE", { "C 0,0 20000,20000", "" } },
+        { "INSERT", { "?", "" } },
+        { "LAYER", { "N", "NEW", "C", "1", "NEW", "P", "N", "NEW", "" } },
+        { "LINE", { "0,0", "10,0", "10,10", "C" } },
+        { "MIRROR", { "C 0,0 20000,20000", "", "0,0", "0,10", "Y" } },
+        { "MTEXT", { "0,0", "H", "5", "100,-100", "one", "" } },
+        { "NEW", {} },
+        { "OFFSET", { "5", "" } },
+        { "OPEN", { "no such drawing.dxf" } },
+        { "OSNAP", { "" } },
+        { "PAN", { "0,0", "0,0" } },
+        { "PLINE", { "0,0", "10,0", "A", "10,10", "CL" } },
+        { "PLOT", { QDir::temp().filePath("verdelis-cancelled-plot.png"), "Extents", "Fit", "Fit" } },
+        { "PURGE", { "Blocks" } },
+        { "QUIT", {} },
+        { "ROTATE", { "C 0,0 20000,20000", "", "0,0", "R", "0", "90" } },
+        { "SAVE", {} },
+        { "SAVEAS", { "/no such folder/a.dxf" } },
+        { "SCALE", { "C 0,0 20000,20000", "", "0,0", "2" } },
+        { "SCRIPT", { "no such script.scr" } },
+        { "SETVAR", { "?" } },
+        { "TEXT", { "0,0", "5", "0", "one", "" } },
+        { "UCS", { "3", "0,0", "10,0", "0,10" } },
+        { "ZOOM", { "C", "0,0", "1000" } },
         { "COPY", { "C 0,0 20000,20000", "", "0,0", "100,100" } },
         { "ERASE", { "C 0,0 20000,20000", "" } },
         { "HATCH", { "SOLID", "1", "0", "C 0,0 20000,20000", "" } },
@@ -53,7 +82,15 @@ struct Kept {
 
 const std::vector<Kept>& keptOnPurpose()
 {
-    static const std::vector<Kept> rows = {}; // none so far
+    static const std::vector<Kept> rows = {
+        { "LAYER", 2, "each option is a round" }, { "LAYER", 3, "each option is a round" },
+        { "LAYER", 4, "each option is a round" }, { "LAYER", 5, "each option is a round" },
+        { "LAYER", 6, "each option is a round" }, { "LAYER", 7, "each option is a round" },
+        { "LAYER", 8, "each option is a round" }, { "LINE", 2, "each line is a round" },
+        { "LINE", 3, "each line is a round" },    { "PLINE", 2, "each point is a round" },
+        { "PLINE", 3, "each point is a round" },  { "PLINE", 4, "each point is a round" },
+        { "TEXT", 4, "each row is a round" },
+    };
     return rows;
 }
 

@@ -1,5 +1,4 @@
-// The table of drawing order is kept as the file holds it: pairs of an entity and the handle that it is
-// sorted by.
+// The table of drawing order: pairs of an entity and the handle that it is sorted by.
 
 #include "db/draw_order.h"
 
@@ -10,31 +9,29 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
+
+KCRX_DEFINE(KcDbSortentsTable, KcDbObject, "AcDbSortentsTable")
 
 namespace {
 
 using Places = std::unordered_map<KcDbObjectId, KcDbHandle>;
 
+const QString kKey = QStringLiteral("ACAD_SORTENTS");
+
+KcDbObjectId tableOf(KcDbObjectId block)
+{
+    const KcDbRead<KcDbBlockTableRecord> record(block);
+    const KcDbRead<KcDbDictionary> extensions(record ? record->extensionDictionary() : KcDbObjectId());
+    return extensions ? extensions->getAt(kKey) : KcDbObjectId();
+}
+
 Places placesOf(KcDbObjectId block)
 {
     Places places;
-    const KcDbRead<KcDbBlockTableRecord> record(block);
-    const KcDbRead<KcDbDictionary> extensions(record ? record->extensionDictionary() : KcDbObjectId());
-    if (!extensions || !block.database()->file())
-        return places;
-    const KcDbRead<KcDbObject> table(extensions->getAt(QStringLiteral("ACAD_SORTENTS")));
-    if (!table)
-        return places;
-    constexpr int kEntity = 331, kPlace = 5;
-    KcDbObjectId entity;
-    for (const KcDbTypedValue& value : block.database()->file()->values(*table)) {
-        if (value.code == kEntity) {
-            entity = value.id();
-        } else if (value.code == kPlace && !entity.isNull()) { // the first one is the table's own handle
-            places[entity] = value.id().handle();
-            entity = {};
-        }
-    }
+    if (const KcDbRead<KcDbSortentsTable> table(tableOf(block)); table)
+        for (const KcDbSortentsTable::Entry& entry : table->data().entries)
+            places[entry.entity] = entry.place;
     return places;
 }
 
@@ -67,4 +64,40 @@ std::vector<KcDbObjectId> kcdbInDrawingOrder(const KcDbBlockTableRecord& block)
     std::vector<KcDbObjectId> ids = block.entityIds();
     kcdbSortForDrawing(block.objectId(), ids);
     return ids;
+}
+
+Kcad::ErrorStatus kcdbSetDrawingOrder(KcDbObjectId block, const std::vector<KcDbObjectId>& order)
+{
+    std::vector<KcDbObjectId> all;
+    if (const KcDbRead<KcDbBlockTableRecord> record(block); record)
+        all = kcdbInDrawingOrder(*record);
+    const std::unordered_set<KcDbObjectId> given(order.begin(), order.end());
+    const size_t before = all.size();
+    std::erase_if(all, [&](KcDbObjectId id) { return given.contains(id); });
+    if (given.size() != order.size() || before - all.size() != order.size())
+        return Kcad::eInvalidInput;
+    all.insert(all.end(), order.begin(), order.end());
+
+    // The entities' own handles, ascending, are the places; who has its own needs no entry.
+    std::vector<KcDbHandle> places;
+    places.reserve(all.size());
+    for (const KcDbObjectId id : all)
+        places.push_back(id.handle());
+    std::sort(places.begin(), places.end());
+    std::vector<KcDbSortentsTable::Entry> entries;
+    for (size_t i = 0; i < all.size(); ++i)
+        if (places[i] != all[i].handle())
+            entries.push_back({ all[i], places[i] });
+
+    KcDbObjectId id = tableOf(block);
+    if (!KcDbRead<KcDbSortentsTable>(id)) {
+        if (entries.empty())
+            return Kcad::eOk;
+        const KcDbObjectId extensions = KcDbWrite<KcDbObject>(block)->createExtensionDictionary();
+        auto table = std::make_unique<KcDbSortentsTable>();
+        table->data().block = block;
+        id = KcDbWrite<KcDbDictionary>(extensions)->setAt(kKey, std::move(table));
+    }
+    KcDbWrite<KcDbSortentsTable>(id)->data().entries = std::move(entries);
+    return Kcad::eOk;
 }

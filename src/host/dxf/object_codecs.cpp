@@ -1,6 +1,7 @@
 // Codecs of dictionaries, extension records, groups and layouts.
 
 #include "db/dictionary.h"
+#include "db/draw_order.h"
 #include "db/open.h"
 #include "db/wipeout.h"
 #include "dxf/codec.h"
@@ -113,6 +114,29 @@ void registerObjectCodecs()
         "WIPEOUTVARIABLES",
         std::vector<Field>{ subclass("AcDbWipeoutVariables"),
                             field(70, &KcDbWipeoutVariables::Data::frame) }));
+    registerCodec(std::make_unique<FieldCodec<KcDbSortentsTable>>(
+        "SORTENTSTABLE", std::vector<Field>{ subclass("AcDbSortentsTable") },
+        [](KcDbSortentsTable& table, const Group& group, ReadState& state) {
+            KcDbSortentsTable::Data& d = table.data();
+            if (group.code == 330 && d.block.isNull())
+                d.block = state.context.handle(group);
+            else if (group.code == 331)
+                d.entries.push_back({ state.context.handle(group), 0 });
+            else if (group.code == 5 && !d.entries.empty())
+                d.entries.back().place = group.handle();
+            else
+                return false;
+            return true;
+        },
+        [](const KcDbSortentsTable& table, GroupList& out) {
+            out.handle(330, table.data().block);
+            for (const KcDbSortentsTable::Entry& entry : table.data().entries) {
+                if (!isWrittenReference(table, entry.entity))
+                    continue;
+                out.handle(331, entry.entity);
+                out.handle(5, entry.place);
+            }
+        }));
     registerCodec(std::make_unique<DictionaryCodec>("DICTIONARY"));
     registerCodec(std::make_unique<DictionaryCodec>("ACDBDICTIONARYWDFLT"));
     registerCodec(std::make_unique<XrecordCodec>());

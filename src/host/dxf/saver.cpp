@@ -26,7 +26,8 @@ constexpr Since kSince[] = { { "LWPOLYLINE", KcDbVersion::R14 },   { "HATCH", Kc
                              { "WIPEOUT", KcDbVersion::V2000 },    { "ACAD_TABLE", KcDbVersion::V2000 },
                              { "TABLESTYLE", KcDbVersion::V2000 }, { "LAYOUT", KcDbVersion::V2000 },
                              { "DICTIONARY", KcDbVersion::R13 },   { "XRECORD", KcDbVersion::R13 },
-                             { "GROUP", KcDbVersion::R13 },        { "WIPEOUTVARIABLES", KcDbVersion::V2000 } };
+                             { "GROUP", KcDbVersion::R13 },        { "WIPEOUTVARIABLES", KcDbVersion::V2000 },
+                             { "SORTENTSTABLE", KcDbVersion::R14 } };
 
 Result write(KcDbDatabase& database, Pieces& pieces)
 {

@@ -73,7 +73,13 @@ const KcEdCommand* KcEdCommandStack::lookup(const QString& name) const
         if ((*command)->globalName.compare(plain, Qt::CaseInsensitive) == 0
             || (*command)->localName.compare(plain, Qt::CaseInsensitive) == 0)
             return command->get();
-    return nullptr;
+    const auto alias = m_aliases.find(plain.toUpper());
+    return alias == m_aliases.end() ? nullptr : lookup(alias->second);
+}
+
+void KcEdCommandStack::addAlias(const QString& alias, const QString& command)
+{
+    m_aliases[alias.toUpper()] = command.toUpper();
 }
 
 bool KcEdCommandStack::run(const KcEdCommand& command)

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -40,12 +41,15 @@ public:
     void addCommand(
         const QString& group, const QString& globalName, const QString& localName, int flags,
         std::function<void()> handler);
+    /// Another name for a command, used where no command bears it.
+    void addAlias(const QString& alias, const QString& command);
+    const std::map<QString, QString>& aliases() const { return m_aliases; }
     /// Says what a command is for; false when the group has no such command.
     bool setPurpose(const QString& group, const QString& command, const QString& purpose);
     /// Removes all commands of a group, however often it was added; false when there was none.
     bool removeGroup(const QString& group);
 
-    /// The command of that global or local name, without regard to case; a leading "_", "." or "'" is left
+    /// The command of that global or local name, or alias, without regard to case; a leading "_", "." or "'" is left
     /// aside. Null when there is none.
     const KcEdCommand* lookup(const QString& name) const;
     const std::vector<std::unique_ptr<KcEdCommand>>& commands() const { return m_commands; }
@@ -71,6 +75,7 @@ private:
         KcEdSelectionSet pickFirst;
     };
     std::vector<std::unique_ptr<KcEdCommand>> m_commands;
+    std::map<QString, QString> m_aliases; ///< upper case
     // Commands that were removed while something ran; what runs must not vanish below itself.
     std::vector<std::unique_ptr<KcEdCommand>> m_removed;
     std::vector<Frame> m_frames;

@@ -107,9 +107,14 @@ bool goesOnBeside(const KcEdPrompt& prompt, const QString& line)
         = text.startsWith(QLatin1Char('\'')) ? kcedCommandStack().lookup(text) : nullptr;
     if (!command)
         return false;
-    if (command->flags & KcEdCommand::kTransparent)
+    if (command->flags & KcEdCommand::kTransparent) {
+        // Points entered meanwhile are none of the command that asks.
+        KcApDocument* document = kcDocManagerPtr()->curDocument();
+        const KcGePoint3d last = lastPoint();
         kcedCommandStack().run(*command);
-    else
+        if (document)
+            document->lastPoint = last;
+    } else
         kcedSay(QStringLiteral("%1 cannot be used while a command asks.").arg(command->globalName));
     return true;
 }
@@ -228,7 +233,7 @@ void KcEdEditor::run()
             source()->insert(document->takeSentLines());
         if (!source()->needsEcho())
             kcedPrint(prompt.text);
-        const KcEdEvent event = source()->next(prompt);
+        const KcEdEvent event = std::exchange(m_quits, false) ? KcEdEvent(KcEdEnd()) : source()->next(prompt);
         if (std::holds_alternative<KcEdEnd>(event)) {
             kcedFreshRow();
             // The last source that answers dialogs takes them with it.

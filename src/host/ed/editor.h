@@ -13,6 +13,8 @@ public:
 
     /// Reads and executes lines until the active source ends.
     void run();
+    /// Makes `run` end when the command that runs has ended, whatever its source still has.
+    void quit() { m_quits = true; }
 
     /// Tells the source that nothing took a line, and why.
     void refuse(const KcEdLine& line, const QString& reason);
@@ -27,6 +29,7 @@ private:
     std::optional<KcEdAnswer> answerFrom(const KcEdPrompt& prompt, const KcEdLine& line);
 
     std::vector<KcEdInputSource*> m_sources;
+    bool m_quits = false;
 };
 
 /// Makes a source the active one for the length of a scope.

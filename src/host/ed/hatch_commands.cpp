@@ -11,6 +11,7 @@
 #include "db/wipeout.h"
 #include "ed/console.h"
 #include "ed/documents.h"
+#include "ed/region_at.h"
 #include "ed/selection.h"
 
 namespace {
@@ -47,8 +48,8 @@ bool askPattern(HatchDefaults& values)
     patterns.reread();
     for (;;) {
         QString name;
-        const KcEdStatus status = kcedGetString(
-            false, QStringLiteral("\nPattern name or ? <%1>: ").arg(values.pattern), name);
+        const KcEdStatus status
+            = kcedGetString(false, QStringLiteral("\nPattern name or ? <%1>: ").arg(values.pattern), name);
         if (status == kcedCancel)
             return false;
         if (status == kcedNone || name.isEmpty())
@@ -85,6 +86,43 @@ size_t appendLoops(KcDbHatch& hatch, const std::vector<KcDbObjectId>& ids)
     if (!open.empty() && hatch.appendLoop(KcDbHatch::kExternal, open) != Kcad::eOk)
         kcedSay(QStringLiteral("%1 curves do not close an outline").arg(open.size()));
     return hatch.numLoops();
+}
+
+/// The regions around the points that the user gives; none when he gave up.
+std::vector<KcEdRegionAt> askRegions()
+{
+    std::vector<KcEdRegionAt> regions;
+    for (;;) {
+        KcGePoint3d point;
+        const KcEdStatus status = kcedGetPoint(nullptr, QStringLiteral("\nInternal point: "), point);
+        if (status == kcedCancel)
+            return {};
+        if (status != kcedNormal)
+            return regions;
+        KcEdRegionAt region = kcedRegionAt(database(), (database().ucsToWorld() * point).plan());
+        if (region.reason.isEmpty())
+            regions.push_back(std::move(region));
+        else
+            kcedSay(region.reason);
+    }
+}
+
+void appendOutline(KcDbHatch& hatch, int type, const std::vector<KcGeSegment2d>& outline)
+{
+    std::vector<KcGePoint2d> points;
+    std::vector<double> bulges;
+    for (const KcGeBulgeVertex2d& vertex : kcedVerticesOf(outline)) {
+        points.push_back(vertex.point);
+        bulges.push_back(vertex.bulge);
+    }
+    hatch.appendLoop(type, points, bulges);
+}
+
+void appendRegion(KcDbHatch& hatch, const KcEdRegionAt& region)
+{
+    appendOutline(hatch, KcDbHatch::kExternal, region.outline);
+    for (const auto& island : region.islands)
+        appendOutline(hatch, KcDbHatch::kOutermost, island);
 }
 
 KcDbObjectId append(std::unique_ptr<KcDbEntity> entity)
@@ -144,22 +182,32 @@ void kcedHatch()
     HatchDefaults values = defaults();
     if (!askPattern(values) || !askScaleAndAngle(values))
         return;
-    KcEdSelectionSet set;
-    if (kcedSSGet({}, nullptr, nullptr, {}, set) != kcedNormal)
+    kcedInitGet(0, QStringLiteral("Internal _ Internal"));
+    KcEdSelectionRequest request;
+    request.prompt = kcedPreparedPrompt(
+        KcEdPrompt::Kind::Selection, QStringLiteral("\nSelect objects or [Internal point]: "));
+    const KcEdSelectionAnswer selected = kcedSelect(request);
+    std::vector<KcEdRegionAt> regions;
+    if (selected.status == kcedKeyword)
+        regions = askRegions();
+    if (selected.status != kcedNormal && regions.empty())
         return;
     defaults() = values;
 
     auto hatch = std::make_unique<KcDbHatch>();
-    hatch->setAssociative(true);
+    hatch->setAssociative(regions.empty()); // there are no curves of their own to follow
     hatch->setPattern(KcDbHatch::kPreDefined, values.pattern);
     hatch->setPatternScale(values.scale);
     hatch->setPatternAngle(values.degrees * kPi / 180.0);
-    if (appendLoops(*hatch, set.ids()) == 0)
+    for (const KcEdRegionAt& region : regions)
+        appendRegion(*hatch, region);
+    if (regions.empty() && appendLoops(*hatch, selected.set.ids()) == 0)
         return kcedSay(QStringLiteral("Nothing selected encloses an area."));
     if (const auto status = hatch->evaluateHatch(&database()); status != Kcad::eOk)
         return kcedSay(Kcad::errorStatusText(status));
     const KcDbObjectId id = append(std::move(hatch));
-    KcDbWrite<KcDbHatch>(id)->watchSources();
+    if (regions.empty())
+        KcDbWrite<KcDbHatch>(id)->watchSources();
 }
 
 void kcedWipeout()

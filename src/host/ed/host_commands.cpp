@@ -1,161 +1,99 @@
-// Undoing, copying, moving, erasing, listing: each a short procedure.
+// The table of the host's commands.
 
 #include "ed/host_commands.h"
 
 #include "ed/command_stack.h"
+#include "ed/commands/commands.h"
 #include "ed/console.h"
-#include "ed/copy_entity.h"
 #include "ed/documents.h"
 #include "ed/editor.h"
-#include "ed/entity_dump.h"
 #include "ed/hatch_commands.h"
-#include "ed/pick_geometry.h"
 #include "ed/plot_command.h"
-#include "ed/selection.h"
-
-#include <QJsonDocument>
 
 namespace {
 
-KcDbDatabase& database()
-{
-    return kcDocManagerPtr()->curDocument()->database();
-}
-
-KcEdSelectionSet askSelection()
-{
-    KcEdSelectionSet set;
-    kcedSSGet({}, nullptr, nullptr, {}, set);
-    return set;
-}
-
-// Members of a selection that may be changed; the user is told about the others.
-std::vector<KcDbObjectId> changeable(const KcEdSelectionSet& set)
-{
-    KcEdPickGeometry layers(1.0);
-    std::vector<KcDbObjectId> ids;
-    for (const KcDbObjectId id : set.ids())
-        if (const KcDbRead<KcDbEntity> entity(id); entity && !layers.isOnLockedLayer(*entity))
-            ids.push_back(id);
-    if (const size_t locked = set.size() - ids.size(); locked > 0)
-        kcedSay(QStringLiteral("%1 on a locked layer").arg(locked));
-    return ids;
-}
-
-// Base point and second point of a displacement; Enter at the second takes the first as the displacement
-// itself.
-std::optional<KcGeVector3d> askDisplacement()
-{
-    kcedInitGet(KcEdPrompt::kNoEmpty);
-    KcGePoint3d base, second;
-    if (kcedGetPoint(nullptr, QStringLiteral("\nBase point: "), base) != kcedNormal)
-        return {};
-    const KcEdStatus status
-        = kcedGetPoint(&base, QStringLiteral("\nSecond point <use the first as displacement>: "), second);
-    if (status == kcedCancel)
-        return {};
-    const KcGeVector3d inUcs = status == kcedNormal ? second - base : base.asVector();
-    return database().ucsToWorld() * inUcs;
-}
+constexpr int kPick = KcEdCommand::kUsePickFirst;
+constexpr int kLooks = KcEdCommand::kTransparent;
+constexpr int kNoStep = KcEdCommand::kNoUndoStep;
 
 void undo()
 {
-    const QString name = database().undo().undo();
+    const QString name = kcedCurrentDatabase()->undo().undo();
     kcedSay(name.isEmpty() ? QStringLiteral("Nothing to undo") : name);
 }
 
 void redo()
 {
-    const QString name = database().undo().redo();
+    const QString name = kcedCurrentDatabase()->undo().redo();
     kcedSay(name.isEmpty() ? QStringLiteral("Nothing to redo") : name);
 }
 
-void eraseObjects()
-{
-    for (const KcDbObjectId id : changeable(askSelection()))
-        if (KcDbWrite<KcDbEntity> entity(id); entity)
-            entity->erase();
-}
+struct Row {
+    const char* name;
+    const char* aliases; ///< separated by blanks
+    int flags;
+    void (*handler)();
+    const char* purpose;
+};
 
-void moveObjects()
-{
-    const auto ids = changeable(askSelection());
-    if (ids.empty())
-        return;
-    const auto displacement = askDisplacement();
-    if (!displacement)
-        return;
-    size_t failed = 0;
-    for (const KcDbObjectId id : ids)
-        if (KcDbWrite<KcDbEntity> entity(id);
-            !entity || entity->transformBy(KcGeMatrix3d::translation(*displacement)) != Kcad::eOk)
-            ++failed;
-    if (failed > 0)
-        kcedSay(QStringLiteral("%1 could not be moved: the program does not know their kind").arg(failed));
-}
-
-void copyObjects()
-{
-    const KcEdSelectionSet set = askSelection();
-    if (set.isEmpty())
-        return;
-    const auto displacement = askDisplacement();
-    if (!displacement)
-        return;
-    size_t failed = 0;
-    for (const KcDbObjectId id : set.ids())
-        if (kcedCopyEntity(id, KcGeMatrix3d::translation(*displacement)).isNull())
-            ++failed;
-    if (failed > 0)
-        kcedSay(QStringLiteral("%1 could not be copied: the program does not know their kind").arg(failed));
-}
-
-void regenerate()
-{
-    kcedRegenerate();
-}
-
-void listObjects()
-{
-    const KcEdSelectionSet set = askSelection();
-    for (const KcDbObjectId id : set.ids())
-        if (const KcDbRead<KcDbEntity> entity(id); entity)
-            kcedSay(QString::fromUtf8(QJsonDocument(kcedDumpEntity(*entity)).toJson(QJsonDocument::Compact)));
-}
+constexpr Row kRows[] = {
+    { "-BOUNDARY", "BO BOUNDARY", 0, hand::boundary, "closed polylines around points" },
+    { "ARC", "A", 0, hand::arc, "draw an arc" },
+    { "AREA", "AA", kLooks, hand::area, "measure areas" },
+    { "CIRCLE", "C", 0, hand::circle, "draw a circle" },
+    { "COPY", "CO CP", kPick, hand::copy, "copy objects by a displacement" },
+    { "DIST", "DI", kLooks, hand::distance, "measure a distance" },
+    { "ERASE", "E", kPick, hand::erase, "erase objects" },
+    { "EXPLODE", "X", kPick, hand::explode, "take blocks, polylines and texts apart" },
+    { "HATCH", "H -HATCH", kPick, kcedHatch, "fill closed outlines with a pattern" },
+    { "INSERT", "I -INSERT", 0, hand::insert, "place a block" },
+    { "LAYER", "LA -LAYER", 0, hand::layers, "make layers and change them" },
+    { "LINE", "L", 0, hand::line, "draw lines" },
+    { "LIST", "LI", kPick, hand::list, "print the values of objects" },
+    { "MIRROR", "MI", kPick, hand::mirror, "mirror objects" },
+    { "MOVE", "M", kPick, hand::move, "move objects by a displacement" },
+    { "MTEXT", "MT -MTEXT", 0, hand::multilineText, "write a text of several lines" },
+    { "NEW", "", kNoStep, hand::newDrawing, "begin an empty drawing" },
+    { "OFFSET", "O", 0, hand::offset, "draw parallels" },
+    { "OPEN", "", kNoStep, hand::openDrawing, "open a drawing" },
+    { "OSNAP", "OS -OSNAP", kLooks, hand::objectSnapModes, "choose object snaps" },
+    { "PAN", "P -PAN", kLooks, hand::pan, "move the view" },
+    { "PLINE", "PL", 0, hand::polyline, "draw a polyline of lines and arcs" },
+    { "PLOT", "PRINT", kNoStep, kcedPlotCommand, "write the drawing, or a part of it, to a PDF, PNG or SVG file" },
+    { "PURGE", "PU -PURGE", 0, hand::purge, "take away definitions that nothing uses" },
+    { "QUIT", "EXIT", kNoStep, hand::quit, "end the program" },
+    { "REDO", "", kNoStep, redo, "bring back what was undone last" },
+    { "REGEN", "RE", 0, hand::regenerate, "draw the drawing anew" },
+    { "REGENALL", "REA", 0, hand::regenerate, "draw all views anew" },
+    { "ROTATE", "RO", kPick, hand::rotate, "turn objects" },
+    { "SAVE", "QSAVE", kNoStep, hand::saveDrawing, "save the drawing" },
+    { "SAVEAS", "", kNoStep, hand::saveDrawingAs, "save the drawing under a name" },
+    { "SCALE", "SC", kPick, hand::scale, "make objects larger or smaller" },
+    { "SCRIPT", "SCR", kNoStep, hand::script, "run the lines of a file" },
+    { "SETVAR", "SET", kLooks, hand::variable, "show and set system variables" },
+    { "TEXT", "T DT DTEXT", 0, hand::text, "write single lines of text" },
+    { "U", "", kNoStep, undo, "take back the last command" },
+    { "UCS", "", 0, hand::coordinateSystem, "set the user coordinate system" },
+    { "UNDO", "", kNoStep, undo, "take back the last command" },
+    { "WIPEOUT", "", kPick, kcedWipeout, "mask an area, or show and hide the frames of masks" },
+    { "ZOOM", "Z", kLooks, hand::zoom, "show another part of the drawing" },
+};
 
 } // namespace
 
 void kcedRegisterHostCommands()
 {
     static const QString group = QStringLiteral("KCAD");
-    struct Row {
-        const char* name;
-        int flags;
-        void (*handler)();
-        const char* purpose;
-    };
-    static constexpr Row rows[] = {
-        { "COPY", 2, copyObjects, "copy objects by a displacement" },
-        { "ERASE", 2, eraseObjects, "erase objects" },
-        { "HATCH", 2, kcedHatch, "fill closed outlines with a pattern" },
-        { "LIST", 2, listObjects, "print the values of objects" },
-        { "MOVE", 2, moveObjects, "move objects by a displacement" },
-        { "PLOT", KcEdCommand::kNoUndoStep, kcedPlotCommand, "write the drawing, or a part of it, to a PDF, PNG or SVG file" },
-        { "REDO", KcEdCommand::kNoUndoStep, redo, "bring back what was undone last" },
-        { "REGEN", 0, regenerate, "draw the drawing anew" },
-        { "REGENALL", 0, regenerate, "draw all views anew" },
-        { "U", KcEdCommand::kNoUndoStep, undo, "take back the last command" },
-        { "UNDO", KcEdCommand::kNoUndoStep, undo, "take back the last command" },
-        { "WIPEOUT", 2, kcedWipeout, "mask an area, or show and hide the frames of masks" },
-    };
     KcEdCommandStack& stack = kcedCommandStack();
     for (const auto& command : stack.commands())
         if (command->group == group)
             return;
-    for (const Row& row : rows) {
+    for (const Row& row : kRows) {
         const QString name = QString::fromLatin1(row.name);
         stack.addCommand(group, name, name, row.flags, row.handler);
         stack.setPurpose(group, name, QString::fromLatin1(row.purpose));
+        for (const QString& alias : QString::fromLatin1(row.aliases).split(u' ', Qt::SkipEmptyParts))
+            stack.addAlias(alias, name);
     }
 }
 

@@ -129,6 +129,34 @@ KcEdStatus kcedGetDist(const KcGePoint3d* base, const QString& prompt, double& d
     return status;
 }
 
+KcEdStatus kcedGetAngle(const KcGePoint3d* base, const QString& prompt, double& angle)
+{
+    KcEdPrompt question = kcedPreparedPrompt(KcEdPrompt::Kind::Angle, prompt);
+    if (base)
+        question.base = *base;
+    const KcEdAnswer answer = KcEdEditor::instance().ask(question);
+    if (const auto status = statusWithoutValue(answer))
+        return *status;
+    if (const auto* degrees = std::get_if<double>(&answer)) {
+        angle = *degrees * kPi / 180.0;
+        return kcedNormal;
+    }
+    const auto* first = std::get_if<KcGePoint3d>(&answer);
+    if (!first) {
+        prepared().lastInput = std::get<QString>(answer);
+        return kcedKeyword;
+    }
+    if (base) {
+        angle = (first->plan() - base->plan()).angle();
+        return kcedNormal;
+    }
+    KcGePoint3d second;
+    const KcEdStatus status = kcedGetPoint(first, QStringLiteral("\nSecond point: "), second);
+    if (status == kcedNormal)
+        angle = (second.plan() - first->plan()).angle();
+    return status;
+}
+
 KcEdStatus kcedGetReal(const QString& prompt, double& value)
 {
     return askFor(kcedPreparedPrompt(KcEdPrompt::Kind::Real, prompt), value);

@@ -26,6 +26,8 @@ KcEdStatus kcedGetPoint(const KcGePoint3d* base, const QString& prompt, KcGePoin
 KcEdStatus kcedGetCorner(KcGePoint3d base, const QString& prompt, KcGePoint3d& corner);
 /// A number, or two points whose distance it is; one point where a base is given.
 KcEdStatus kcedGetDist(const KcGePoint3d* base, const QString& prompt, double& distance);
+/// An angle in radians: degrees are typed; a point gives the direction from the base, or two points do.
+KcEdStatus kcedGetAngle(const KcGePoint3d* base, const QString& prompt, double& angle);
 KcEdStatus kcedGetReal(const QString& prompt, double& value);
 KcEdStatus kcedGetInt(const QString& prompt, int& value);
 /// A text; with `blanks` they belong to it, else they end it.
