@@ -101,16 +101,21 @@ KcEdStatus kcedGetCorner(KcGePoint3d base, const QString& prompt, KcGePoint3d& c
     return askFor(question, corner);
 }
 
-KcEdStatus kcedGetDist(const KcGePoint3d* base, const QString& prompt, double& distance)
+namespace {
+
+/// A number, or what two points tell of it; the base, where given, is the first of them.
+KcEdStatus askMeasure(
+    KcEdPrompt::Kind kind, const KcGePoint3d* base, const QString& prompt, double& value,
+    double (*ofNumber)(double), double (*ofPoints)(KcGePoint3d, KcGePoint3d))
 {
-    KcEdPrompt question = kcedPreparedPrompt(KcEdPrompt::Kind::Distance, prompt);
+    KcEdPrompt question = kcedPreparedPrompt(kind, prompt);
     if (base)
         question.base = *base;
     const KcEdAnswer answer = KcEdEditor::instance().ask(question);
     if (const auto status = statusWithoutValue(answer))
         return *status;
     if (const auto* number = std::get_if<double>(&answer)) {
-        distance = *number;
+        value = ofNumber(*number);
         return kcedNormal;
     }
     const auto* first = std::get_if<KcGePoint3d>(&answer);
@@ -119,42 +124,30 @@ KcEdStatus kcedGetDist(const KcGePoint3d* base, const QString& prompt, double& d
         return kcedKeyword;
     }
     if (base) {
-        distance = first->distanceTo(*base);
+        value = ofPoints(*base, *first);
         return kcedNormal;
     }
     KcGePoint3d second;
     const KcEdStatus status = kcedGetPoint(first, QStringLiteral("\nSecond point: "), second);
     if (status == kcedNormal)
-        distance = second.distanceTo(*first);
+        value = ofPoints(*first, second);
     return status;
+}
+
+} // namespace
+
+KcEdStatus kcedGetDist(const KcGePoint3d* base, const QString& prompt, double& distance)
+{
+    return askMeasure(
+        KcEdPrompt::Kind::Distance, base, prompt, distance, [](double number) { return number; },
+        [](KcGePoint3d from, KcGePoint3d to) { return to.distanceTo(from); });
 }
 
 KcEdStatus kcedGetAngle(const KcGePoint3d* base, const QString& prompt, double& angle)
 {
-    KcEdPrompt question = kcedPreparedPrompt(KcEdPrompt::Kind::Angle, prompt);
-    if (base)
-        question.base = *base;
-    const KcEdAnswer answer = KcEdEditor::instance().ask(question);
-    if (const auto status = statusWithoutValue(answer))
-        return *status;
-    if (const auto* degrees = std::get_if<double>(&answer)) {
-        angle = *degrees * kPi / 180.0;
-        return kcedNormal;
-    }
-    const auto* first = std::get_if<KcGePoint3d>(&answer);
-    if (!first) {
-        prepared().lastInput = std::get<QString>(answer);
-        return kcedKeyword;
-    }
-    if (base) {
-        angle = (first->plan() - base->plan()).angle();
-        return kcedNormal;
-    }
-    KcGePoint3d second;
-    const KcEdStatus status = kcedGetPoint(first, QStringLiteral("\nSecond point: "), second);
-    if (status == kcedNormal)
-        angle = (second.plan() - first->plan()).angle();
-    return status;
+    return askMeasure(
+        KcEdPrompt::Kind::Angle, base, prompt, angle, [](double degrees) { return degrees * kPi / 180.0; },
+        [](KcGePoint3d from, KcGePoint3d to) { return (to.plan() - from.plan()).angle(); });
 }
 
 KcEdStatus kcedGetReal(const QString& prompt, double& value)
