@@ -188,3 +188,34 @@ bool CBlock::GetAttribute(const QString& tag, KcDbObjectId& id) const
                 id = each;
     return !id.isNull();
 }
+
+bool CBlock::ChangeOrigin(KcGePoint3d point)
+{
+    KcDbObjectId definition;
+    KcGePoint3d origin;
+    {
+        const KcDbRead<KcDbBlockReference> reference(m_id);
+        if (!reference)
+            return false;
+        const KcGeMatrix3d toWorld = reference->blockTransform();
+        const double volume = toWorld.determinant();
+        if (!std::isfinite(volume) || volume == 0.0) // exact: any other can be inverted
+            return false;
+        definition = reference->blockTableRecord();
+        origin = toWorld.inverse() * point;
+    }
+    if (!std::isfinite(origin.asVector().length()))
+        return false;
+
+    // The images of the new base point, by the definition as it is now, are the new insertion points.
+    std::vector<std::pair<KcDbObjectId, KcGePoint3d>> places;
+    for (const KcDbObjectStub& stub : definition.database()->stubs()) {
+        const KcDbObjectId id(const_cast<KcDbObjectStub*>(&stub));
+        if (const KcDbRead<KcDbBlockReference> each(id); each && each->blockTableRecord() == definition)
+            places.emplace_back(id, each->blockTransform() * origin);
+    }
+    KcDbWrite<KcDbBlockTableRecord>(definition)->data().origin = origin;
+    for (const auto& [id, place] : places)
+        KcDbWrite<KcDbBlockReference>(id)->setPosition(place);
+    return true;
+}

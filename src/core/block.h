@@ -54,4 +54,10 @@ public:
     /// Tags are compared without regard to case.
     bool GetAttributeValue(const QString& tag, QString& value) const;
     bool GetAttribute(const QString& tag, KcDbObjectId& id) const;
+
+    /// Moves the base point of the definition to a point of the drawing, world coordinates, as this reference shows
+    /// it. Every reference of the definition in the drawing, nested ones too, is moved against it, so that all of
+    /// them and their attributes stay where they are seen. False, changing nothing, when the reference is flattened
+    /// (a scale of 0) or the point is no point.
+    bool ChangeOrigin(KcGePoint3d point);
 };

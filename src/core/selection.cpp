@@ -4,6 +4,7 @@
 
 #include "core/block.h"
 #include "core/layers.h"
+#include "db/new_block.h"
 #include "db/text.h"
 #include "ed/documents.h"
 
@@ -150,6 +151,31 @@ int CSs::Delete()
             ++erased;
     m_ids.clear();
     return erased;
+}
+
+KcDbObjectId CSs::CreateBlock(const QString& name)
+{
+    std::vector<KcDbObjectId> members;
+    KcDbObjectId space;
+    for (const KcDbObjectId id : m_ids)
+        if (const KcDbRead<KcDbEntity> entity(id); entity && (space.isNull() || entity->ownerId() == space)) {
+            space = entity->ownerId();
+            members.push_back(id);
+        }
+    if (members.empty())
+        return {};
+    KcDbDatabase& drawing = *space.database();
+    const KcDbObjectId block = kcdbNewBlock(drawing, name);
+    const KcDbRead<KcDbBlockTableRecord> record(block);
+    const KcDbRead<KcDbBlockTableRecord> holder(space);
+    if (!record || !holder)
+        return {};
+    for (const KcDbObjectId id : members)
+        record->adopt(*KcDbWrite<KcDbEntity>(id));
+    auto reference = std::make_unique<KcDbBlockReference>(KcGePoint3d(), block);
+    reference->setDatabaseDefaults(drawing);
+    m_ids = { holder->appendEntity(std::move(reference)) };
+    return m_ids.front();
 }
 
 bool CSs::SetLayer(const QString& name, KcDbDatabase* database, int colour)

@@ -39,6 +39,11 @@ public:
     bool GetBoundaryBox(KcGePoint3d& min, KcGePoint3d& max) const;
     /// Erases the entities; the selection is empty then. How many were erased.
     int Delete();
+    /// Makes the entities a block definition, in their order, and puts one reference in their place, whose id
+    /// it gives; the selection is that reference then. "*U" makes an anonymous block. The base point is the
+    /// world's origin; the reference has the current layer. Entities of other spaces than the first one's
+    /// stay where they are. Null when there is none, or another block has the name.
+    KcDbObjectId CreateBlock(const QString& name);
     /// Puts everything on a layer of a drawing (null: the current one), making it when missing; entities of
     /// other drawings stay. With a `colour` above 0 a layer that is made gets it. False without a drawing or
     /// for an empty name.

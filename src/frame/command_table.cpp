@@ -21,6 +21,8 @@ constexpr CommandRow table[] = {
       "count plant symbols or labels into a tree quantity table" },
     { u"UPDATETREENUMTOTABLE", updatePlantTables, 2, "count existing tree quantity tables anew" },
     { u"CLOUDLINE", drawCloudLine, 2, "draw a cloud outline" },
+    { u"CIRCLES", drawTreeArray, 2, "fill a cloud with a regular tree array" },
+    { u"FOREST", drawForest, 2, "draw the edge of a coniferous forest along a cloud" },
     { u"VDLABOUT", showAbout, 2, "say which product and version this is" },
 };
 

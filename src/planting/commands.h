@@ -5,3 +5,7 @@
 void arrayBlocks();
 /// CLOUDLINE: draws a cloud outline.
 void drawCloudLine();
+/// CIRCLES: fills a cloud outline with a regular tree array.
+void drawTreeArray();
+/// FOREST: draws the edge of a coniferous forest along a cloud outline.
+void drawForest();

@@ -67,6 +67,8 @@ const std::vector<Walk>& walks()
           { "!set dTextHeight 9", "!check bTextBackFill on", "!set dDrawingScale 0", "!ok" } },
         { "CLOUDLINE", { "0,0", "30000,0", "30000,20000", "u", "0,20000", "" } },
         { "BLOCKARRAY", { "#3D7", "500", "71000,50000", "D", "D", "3000", "", "#476 #47D", "", "0,0" } },
+        { "CIRCLES", { "#3D5" } },
+        { "FOREST", { "#3D5" } },
         { "TREENUMTOTABLE", { "D", "B", "ALL", "", "0,0" } },
         { "UPDATETREENUMTOTABLE", { "D", "B", "ALL", "", "ALL", "" } },
     };

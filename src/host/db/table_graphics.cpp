@@ -3,6 +3,7 @@
 
 #include "db/curves.h"
 #include "db/database.h"
+#include "db/new_block.h"
 #include "db/table.h"
 #include "db/tables.h"
 
@@ -126,30 +127,7 @@ KcDbObjectId KcDbTable::ownBlock()
         if (KcDbRead<KcDbBlockTableRecord> block(m_data.block); block && block->isAnonymous())
             return m_data.block;
 
-    // The block has the first number that no block of the drawing had, erased ones included, so that undo
-    // never meets its name taken.
-    int number = 1;
-    for (const KcDbObjectStub& stub : drawing.stubs()) {
-        if (!stub.object || stub.object->isA() != KcDbBlockTableRecord::desc())
-            continue;
-        const QString& name = static_cast<const KcDbBlockTableRecord*>(stub.object)->name();
-        if (name.startsWith(QLatin1String("*T"), Qt::CaseInsensitive))
-            number = std::max(number, name.mid(2).toInt() + 1);
-    }
-    auto record = std::make_unique<KcDbBlockTableRecord>();
-    record->initName(QStringLiteral("*T%1").arg(number));
-    record->data().blockFlags = 1;
-    KcDbObjectId id;
-    {
-        KcDbWrite<KcDbSymbolTable> blocks(drawing.blockTable());
-        id = blocks->add(std::move(record));
-    }
-    KcDbWrite<KcDbBlockTableRecord> block(id);
-    block->data().begin = drawing.addObject(std::make_unique<KcDbBlockBegin>(), id);
-    block->data().end = drawing.addObject(std::make_unique<KcDbBlockEnd>(), id);
-    for (KcDbObjectId mark : { block->data().begin, block->data().end })
-        if (KcDbWrite<KcDbEntity> entity(mark); entity)
-            entity->setLayer(kcdbFindRecord(drawing.layerTable(), QStringLiteral("0")));
+    const KcDbObjectId id = kcdbNewBlock(drawing, QStringLiteral("*T"));
     m_data.block = id;
     m_blockOwner = objectId();
     return id;
