@@ -45,7 +45,7 @@ public:
         const void* linetype = nullptr; ///< of what is ByBlock; null: no gaps
         int lineWeight = 0; ///< of what is ByBlock, as the reference has it
         bool thinLines = false; ///< all lines are as thin as can be seen
-        QRectF box; ///< device units
+        QRectF box; ///< of the definition, in its own coordinates
         QTransform linear; ///< from the definition to the device, the move left out
         QPointF origin; ///< where the definition's origin comes to lie
     };

@@ -242,8 +242,9 @@ bool KcGiPdfDevice::place(const Placement& placement, const DrawDefinition& draw
     // Definitions in definitions are written out there. Of those as large as the sheet only what is seen is
     // written.
     const QSizeF sheet = m_options.paper * m_options.unitsPerMillimetre;
-    if (m_form || !isEven || !(scale > 0.0) || placement.box.width() > sheet.width() / 2
-        || placement.box.height() > sheet.height() / 2)
+    const QRectF seen = m.mapRect(placement.box);
+    if (m_form || !isEven || !(scale > 0.0) || seen.width() > sheet.width() / 2
+        || seen.height() > sheet.height() / 2)
         return false;
     FormKey key{ placement.definition, placement.layer,      placement.linetype,
                  placement.color,      placement.lineWeight, 0 };
@@ -276,7 +277,7 @@ bool KcGiPdfDevice::place(const Placement& placement, const DrawDefinition& draw
 void KcGiPdfDevice::make(Form& form, const Placement& placement, double scale, const DrawDefinition& draw)
 {
     const double size = std::max(placement.box.width(), placement.box.height());
-    form.scale = scale * std::max(1.0, kLeastForm / size);
+    form.scale = std::max(scale, kLeastForm / size);
     QByteArray page = std::exchange(m_content, {});
     // Nothing is known of the state in which the form will be drawn.
     const State before = std::exchange(m_state, { 0, 0, -1.0, -1 });
@@ -298,8 +299,7 @@ void KcGiPdfDevice::make(Form& form, const Placement& placement, double scale, c
         return;
     }
     // Wide lines and texts may stand out of the definition's box.
-    const QRectF box = (placement.linear.inverted() * QTransform::fromScale(form.scale, form.scale))
-                           .mapRect(placement.box.translated(-placement.origin));
+    const QRectF box = QTransform::fromScale(form.scale, form.scale).mapRect(placement.box);
     const double margin = std::max(box.width(), box.height());
     QByteArray entries = "/Type /XObject /Subtype /Form /BBox [";
     for (const double side :

@@ -97,7 +97,7 @@ bool KcGiScene::placed(
     placement.linetype = m_traits.pattern;
     placement.lineWeight = inheritedWeight();
     placement.thinLines = !(m_options.unitsPerMillimetre > 0.0);
-    placement.box = QRectF(seen.min.x, seen.min.y, seen.width(), seen.height());
+    placement.box = QRectF(box.min.x, box.min.y, box.width(), box.height());
     placement.linear = QTransform(
         matrix.entry(0, 0), matrix.entry(1, 0), matrix.entry(0, 1), matrix.entry(1, 1), 0.0, 0.0);
     placement.origin = { matrix.entry(0, 3), matrix.entry(1, 3) };

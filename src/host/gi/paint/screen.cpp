@@ -1,124 +1,78 @@
-// Small symbols as stamps: drawn once for a size and a turn, then copied.
+// Pictures of a view: rows are walked, symbols placed from what is kept, the rest is asked to draw itself.
 
 #include "gi/paint/screen.h"
 
-#include "db/spatial_index.h"
+#include "db/entity.h"
+#include "db/open.h"
 #include "gi/paint/painter_device.h"
+#include "gi/paint/space_rows.h"
 
 #include <QPainter>
 
 namespace {
 
 constexpr double kDotBelow = 1.5; // pixels: smaller things are one
-constexpr double kTurnsFrom = 10.0; // pixels: how smaller blocks are turned is not seen
-constexpr double kStampBelow = 40.0; // pixels: larger blocks are drawn
-constexpr size_t kKeptStamps = 60'000;
+constexpr size_t kMostMemory = 256'000'000; // bytes of pictures and lines of definitions
+constexpr size_t kRowsBetweenLooks = 1024;
 
 } // namespace
 
-class KcGiScreen::Stamps {
-public:
-    /// Pictures made of another state of the drawing are of no use.
-    void keepFor(uint64_t changeCount, QRgb background)
+struct KcGiScreen::Kept {
+    explicit Kept(KcDbDatabase& database)
+        : rows(database)
     {
-        if (changeCount == m_changeCount && background == m_background && m_stamps.size() < kKeptStamps)
-            return;
-        m_stamps.clear();
-        m_changeCount = changeCount;
-        m_background = background;
     }
-
-    struct Stamp {
-        std::vector<QRgb> pixels; ///< premultiplied, row by row
-        int width = 0, height = 0;
-        QPoint offset; ///< from the definition's origin to the corner
-        bool made = false;
-    };
-    struct Key {
-        const void* definition;
-        const void* layer;
-        QRgb color;
-        int size; ///< pixels
-        int turn; ///< steps of a turn; of mirrored ones negative
-        friend bool operator==(const Key&, const Key&) = default;
-    };
-    struct Hash {
-        size_t operator()(const Key& k) const
-        {
-            uint64_t h
-                = uint64_t(uintptr_t(k.definition)) * 0x9e3779b97f4a7c15u ^ uint64_t(uintptr_t(k.layer));
-            h = h * 0x9e3779b97f4a7c15u ^ (uint64_t(k.color) << 20) ^ (uint64_t(uint32_t(k.turn)) << 8)
-                ^ uint64_t(k.size);
-            h *= 0x9e3779b97f4a7c15u;
-            return size_t(h ^ (h >> 29));
-        }
-    };
-    std::unordered_map<Key, Stamp, Hash>& stamps() { return m_stamps; }
-
-private:
-    std::unordered_map<Key, Stamp, Hash> m_stamps;
-    uint64_t m_changeCount = ~uint64_t(0);
-    QRgb m_background = 0;
+    KcGiSpaceRows rows;
+    KcGiSymbols symbols;
 };
 
-namespace {
-
-using Placement = KcGiDevice::Placement;
-
-} // namespace
-
-/// A picture whose small blocks come from stamps.
+/// Thin lines go straight into the picture, known definitions come from what is kept of them.
 class KcGiScreen::Device : public KcGiPainterDevice {
 public:
-    Device(QPainter& painter, const Options& options, QImage& image, Stamps& stamps)
+    Device(QPainter& painter, const Options& options, const KcGiPixels& pixels, KcGiSymbols* symbols)
         : KcGiPainterDevice(painter, options)
-        , m_bits(reinterpret_cast<QRgb*>(image.bits()))
-        , m_stride(image.bytesPerLine() / qsizetype(sizeof(QRgb)))
-        , m_width(image.width())
-        , m_height(image.height())
-        , m_stamps(stamps)
+        , m_lines(pixels)
+        , m_symbols(symbols)
     {
     }
+    KcGiThinLines& lines() { return m_lines; }
 
+    void stroke(const QPainterPath& path, const Pen& pen) override
+    {
+        if (!isThin(pen) || hasCurves(path))
+            return KcGiPainterDevice::stroke(path, pen);
+        m_lines.setColor(pen.color);
+        for (int i = 0; i < path.elementCount(); ++i) {
+            const QPainterPath::Element element = path.elementAt(i);
+            if (element.isMoveTo())
+                flush();
+            m_run.push_back(element);
+        }
+        flush();
+    }
+    void strokeLines(const std::vector<QLineF>& lines, const Pen& pen) override
+    {
+        if (!isThin(pen))
+            return KcGiPainterDevice::strokeLines(lines, pen);
+        m_lines.setColor(pen.color);
+        for (const QLineF& line : lines) {
+            const QPointF ends[] = { line.p1(), line.p2() };
+            m_lines.run(ends, 2, false);
+        }
+    }
     void dot(QPointF at, QRgb color) override
     {
-        const int x = int(std::floor(at.x())), y = int(std::floor(at.y()));
-        if (x >= 0 && x < m_width && y >= 0 && y < m_height)
-            m_bits[y * m_stride + x] = color;
+        if (m_clips > 0)
+            return KcGiPainterDevice::dot(at, color);
+        m_lines.setColor(color);
+        m_lines.run(&at, 1, false);
     }
-
     bool place(const Placement& placement, const DrawDefinition& draw) override
     {
-        const double size = std::max(placement.box.width(), placement.box.height());
-        // Inside clips the painter must see everything; what is half transparent, has gaps or weights is
-        // drawn.
-        if (size >= kStampBelow || m_clips > 0 || qAlpha(placement.color) != 255 || placement.linetype
-            || !placement.thinLines)
+        if (!m_symbols || m_clips > 0)
             return false;
-        const QTransform& m = placement.linear;
-        const double scale = std::hypot(m.m11(), m.m12()), up = std::hypot(m.m21(), m.m22());
-        const bool isEven = std::abs(scale - up) <= 1e-3 * scale
-            && std::abs(m.m11() * m.m21() + m.m12() * m.m22()) <= 1e-3 * scale * up;
-        if (!isEven || !(scale > 0.0))
-            return false;
-        const bool mirrored = m.determinant() > 0.0; // the picture's y axis points down
-        // As many sizes and turns as put the rim off by less than a pixel.
-        const int pixels = std::max(1, int(std::lround(size)));
-        int step = 0, turns = 1;
-        if (size >= kTurnsFrom) {
-            turns = int(std::lround(kPi * pixels));
-            step = int(std::lround(std::atan2(m.m12(), m.m11()) / kTwoPi * turns)) % turns;
-            step = step < 0 ? step + turns : step;
-        }
-        Stamp& stamp = m_stamps.stamps()[{ placement.definition, placement.layer, placement.color, pixels,
-                                           mirrored ? -step - 1 : step }];
-        if (!stamp.made)
-            make(stamp, placement, scale * pixels / size, kTwoPi * step / turns, mirrored, draw);
-        blend(
-            stamp,
-            QPoint(int(std::lround(placement.origin.x())), int(std::lround(placement.origin.y())))
-                + stamp.offset);
-        return true;
+        const auto place = KcGiEvenPlace::of(placement.linear, placement.origin);
+        return place && (*m_symbols)[m_symbols->number(placement)].place(*place, m_lines, *this, &draw);
     }
     void pushClip(const QPainterPath& path) override
     {
@@ -132,74 +86,30 @@ public:
     }
 
 private:
-    using Stamp = Stamps::Stamp;
-
-    void make(
-        Stamp& stamp, const Placement& placement, double scale, double turn, bool mirrored,
-        const DrawDefinition& draw)
+    // Inside clips the painter must see everything.
+    bool isThin(const Pen& pen) const { return m_clips == 0 && pen.width <= 1.0; }
+    static bool hasCurves(const QPainterPath& path)
     {
-        const double c = std::cos(turn) * scale, s = std::sin(turn) * scale;
-        const QTransform linear = mirrored ? QTransform(c, s, -s, c, 0, 0) : QTransform(c, s, s, -c, 0, 0);
-        // The box of the definition under the stamp's own transform.
-        const QRectF relative = placement.box.translated(-placement.origin);
-        const QRectF inDefinition = placement.linear.inverted().mapRect(relative);
-        const QRect box = linear.mapRect(inDefinition).toAlignedRect().adjusted(-2, -2, 2, 2);
-        constexpr int kLargest = 4 * int(kStampBelow);
-        const QSize size = box.size().boundedTo({ kLargest, kLargest });
-        QImage image(size, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        {
-            QPainter painter(&image);
-            painter.setRenderHint(QPainter::Antialiasing);
-            KcGiPainterDevice device(painter, m_options);
-            draw(device, linear * QTransform::fromTranslate(-box.left(), -box.top()));
-        }
-        // What is empty round it is not copied time and again.
-        QRect used;
-        for (int y = 0; y < size.height(); ++y) {
-            const QRgb* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-            for (int x = 0; x < size.width(); ++x)
-                if (row[x] >> 24)
-                    used |= QRect(x, y, 1, 1);
-        }
-        stamp.made = true;
-        stamp.offset = box.topLeft() + used.topLeft();
-        stamp.width = used.width();
-        stamp.height = used.height();
-        for (int y = used.top(); y <= used.bottom(); ++y) {
-            const QRgb* row = reinterpret_cast<const QRgb*>(image.constScanLine(y)) + used.left();
-            stamp.pixels.insert(stamp.pixels.end(), row, row + used.width());
-        }
+        for (int i = 0; i < path.elementCount(); ++i)
+            if (path.elementAt(i).isCurveTo())
+                return true;
+        return false;
+    }
+    void flush()
+    {
+        m_lines.run(m_run.data(), m_run.size(), false);
+        m_run.clear();
     }
 
-    void blend(const Stamp& stamp, QPoint at)
-    {
-        const int left = std::max(0, -at.x()), right = std::min(stamp.width, m_width - at.x());
-        const int top = std::max(0, -at.y()), bottom = std::min(stamp.height, m_height - at.y());
-        for (int y = top; y < bottom; ++y) {
-            const QRgb* from = stamp.pixels.data() + size_t(y) * stamp.width;
-            QRgb* to = m_bits + (at.y() + y) * m_stride + at.x();
-            for (int x = left; x < right; ++x) {
-                // Two channels at a time; both pictures are premultiplied.
-                const QRgb p = from[x], q = to[x];
-                const uint32_t rest = 256 - (p >> 24);
-                const uint32_t rb = (((q & 0xff00ff) * rest) >> 8) & 0xff00ff;
-                const uint32_t ag = (((q >> 8) & 0xff00ff) * rest) & 0xff00ff00;
-                to[x] = 0xff000000u | (p + (rb | ag));
-            }
-        }
-    }
-
-    QRgb* m_bits;
-    qsizetype m_stride;
-    int m_width, m_height;
-    Stamps& m_stamps;
+    KcGiThinLines m_lines;
+    KcGiSymbols* m_symbols;
+    std::vector<QPointF> m_run;
     int m_clips = 0;
 };
 
 KcGiScreen::KcGiScreen(KcDbDatabase& database)
     : m_database(database)
-    , m_stamps(std::make_unique<Stamps>())
+    , m_kept(std::make_unique<Kept>(database))
 {
 }
 
@@ -228,47 +138,84 @@ bool KcGiScreen::paint(QImage& image, const View& view, const std::function<bool
     image.fill(view.background);
     if (image.isNull())
         return true;
-    m_stamps->keepFor(m_database.changeCount(), view.background);
+    using Row = KcGiSpaceRows::Row;
+    KcGiSymbols& symbols = m_kept->symbols;
+    const std::vector<Row>& rows
+        = m_kept->rows.rows({ view.space, view.background, view.pixelsPerMillimetre }, symbols);
+    if (symbols.memory() > kMostMemory)
+        symbols.forget();
+
+    const KcGiPixels pixels(image);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     KcGiPainterDevice::Options options;
     options.background = view.background;
     options.smallest = kDotBelow;
-    Device device(painter, options, image, *m_stamps);
+    Device device(painter, options, pixels, &symbols);
     KcGiSceneOptions sceneOptions = optionsFor(image, view);
     sceneOptions.cancelled = cancelled;
     KcGiScene scene(m_database, device, sceneOptions);
-    const bool whole = scene.draw(m_database.spatialIndex().crossing(view.space, *scene.window()));
+
+    const KcGeExtents2d window = *scene.window();
+    const auto left = float(window.min.x), bottom = float(window.min.y), right = float(window.max.x),
+               top = float(window.max.y);
+    const double scale = image.height() / view.height, x = image.width() / 2.0 - view.center.x * scale,
+                 y = image.height() / 2.0 + view.center.y * scale;
+    size_t walked = 0;
+    for (const Row& row : rows) {
+        if (++walked % kRowsBetweenLooks == 0 && cancelled && cancelled())
+            return false;
+        if (!(row.left <= right && row.right >= left && row.bottom <= top && row.top >= bottom))
+            continue;
+        if (row.symbol != Row::kAsk) {
+            KcGiSymbol& symbol = symbols[row.symbol];
+            const KcGiEvenPlace place{
+                { x + row.x * scale, y - row.y * scale }, float(row.scale * scale), row.turn, row.mirrored
+            };
+            if (symbol.size() * double(place.scale) < kDotBelow) {
+                const QPointF middle{ x + (row.left + row.right) / 2.0 * scale,
+                                      y - (row.bottom + row.top) / 2.0 * scale };
+                device.dot(middle, symbol.color());
+                continue;
+            }
+            if (symbol.place(place, device.lines(), device, nullptr))
+                continue;
+        }
+        if (const KcDbRead<KcDbEntity> entity(row.id); entity)
+            scene.draw(*entity);
+    }
     m_leftOut = scene.leftOutThings();
-    return whole;
+    return !(cancelled && cancelled());
 }
 
 void KcGiScreen::overlay(
     QImage& image, const View& view, const std::vector<KcDbObjectId>& ids, std::optional<QRgb> color)
 {
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    KcGiPainterDevice::Options options;
-    options.background = view.background;
-    options.smallest = kDotBelow;
-    KcGiPainterDevice device(painter, options);
-    KcGiSceneOptions sceneOptions = optionsFor(image, view);
-    sceneOptions.oneColor = color;
-    KcGiScene(m_database, device, sceneOptions).draw(ids);
+    drawOver(image, view, color, [&](KcGiScene& scene) { scene.draw(ids); });
 }
 
 void KcGiScreen::overlay(
     QImage& image, const View& view, const std::vector<const KcDbEntity*>& entities,
     std::optional<QRgb> color)
 {
+    drawOver(image, view, color, [&](KcGiScene& scene) {
+        for (const KcDbEntity* entity : entities)
+            scene.draw(*entity);
+    });
+}
+
+void KcGiScreen::drawOver(
+    QImage& image, const View& view, std::optional<QRgb> color, const std::function<void(KcGiScene&)>& draw)
+{
+    const KcGiPixels pixels(image);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     KcGiPainterDevice::Options options;
     options.background = view.background;
-    KcGiPainterDevice device(painter, options);
+    options.smallest = kDotBelow;
+    Device device(painter, options, pixels, nullptr);
     KcGiSceneOptions sceneOptions = optionsFor(image, view);
     sceneOptions.oneColor = color;
     KcGiScene scene(m_database, device, sceneOptions);
-    for (const KcDbEntity* entity : entities)
-        scene.draw(*entity);
+    draw(scene);
 }

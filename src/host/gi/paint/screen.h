@@ -36,11 +36,14 @@ public:
     static KcGeMatrix3d toPixels(const View& view, QSize size);
 
 private:
-    class Stamps;
+    struct Kept;
     class Device;
+    void drawOver(
+        QImage& image, const View& view, std::optional<QRgb> color,
+        const std::function<void(KcGiScene&)>& draw);
     KcGiSceneOptions optionsFor(const QImage& image, const View& view) const;
 
     KcDbDatabase& m_database;
-    std::unique_ptr<Stamps> m_stamps;
+    std::unique_ptr<Kept> m_kept;
     std::map<QString, size_t> m_leftOut;
 };
