@@ -56,13 +56,16 @@ bool RegionFaces::isBefore(uint32_t a, uint32_t b, KcGePoint2d node) const
     const KcGeRegionTolerances& tolerances = m_net.tolerances();
     const double farthest = std::min(
         m_net.nodes()[origin(a ^ 1)].distanceTo(node), m_net.nodes()[origin(b ^ 1)].distanceTo(node));
-    double side = 0.0;
+    // Where two edges never part by much the widest place tells: at their far ends they may meet again.
+    double widest = 0.0;
     for (double distance = tolerances.direction();; distance *= kFurther) {
         const double d = std::min(distance, std::max(farthest, tolerances.direction()));
         const KcGeVector2d va = (sample(a, d) - node).normal(), vb = (sample(b, d) - node).normal();
-        side = va.crossProduct(vb);
-        if (std::abs(side) * d > tolerances.sameDirection() || d < distance)
-            return side > 0.0;
+        const double apart = va.crossProduct(vb) * d;
+        if (std::abs(apart) > std::abs(widest))
+            widest = apart;
+        if (std::abs(widest) > tolerances.sameDirection() || d < distance)
+            return widest > 0.0;
     }
 }
 

@@ -11,6 +11,8 @@ namespace {
 // Pieces whose boxes are wider and higher than this many times the median go into the tree in several boxes.
 constexpr double kLongPiece = 16.0;
 constexpr int kMostBoxesOfPiece = 1024;
+// Of edges that pass by nodes each is split once a round; more than two or three rounds are rare.
+constexpr int kMostRounds = 16;
 
 } // namespace
 
@@ -247,8 +249,72 @@ void RegionNet::build()
             }
         }
     }
-    m_nodes = nodes.points();
-    dropCopies();
+    m_nodes = nodes.takePoints();
+    for (int round = 0; round < kMostRounds; ++round) {
+        const RegionIncidence at(m_nodes.size(), m_edges);
+        if (splitAtNodesBeside(at))
+            continue;
+        dropCopies(at);
+        return;
+    }
+    dropCopies(RegionIncidence(m_nodes.size(), m_edges));
+}
+
+/// Whether an edge runs so near by a node between its ends that it goes through it, and where.
+bool RegionNet::passesBeside(const RegionEdge& edge, uint32_t node, double& t) const
+{
+    const RegionPiece& piece = m_pieces[edge.piece];
+    const KcGePoint2d point = m_nodes[node];
+    const double reach = m_tolerances.node();
+    // What is cheap first: most pairs of edges part at once.
+    if (piece.kind == RegionPiece::Kind::Line) {
+        const KcGeVector2d along = m_nodes[edge.end] - m_nodes[edge.start], to = point - m_nodes[edge.start];
+        const double off = along.crossProduct(to), square = along.dotProduct(along);
+        if (!(off * off <= reach * reach * square) || to.dotProduct(along) <= 0.0 || to.dotProduct(along) >= square)
+            return false;
+    } else if (piece.kind == RegionPiece::Kind::Arc) {
+        if (!(std::abs(point.distanceTo(piece.center) - piece.radius) <= reach))
+            return false;
+    } else {
+        const KcGeExtents2d box = m_pieces.extents(piece, edge.from, edge.to);
+        if (point.x < box.min.x - reach || point.x > box.max.x + reach || point.y < box.min.y - reach
+            || point.y > box.max.y + reach)
+            return false;
+    }
+    double distance = 0.0;
+    t = m_pieces.closest(piece, point, distance);
+    return distance <= reach && t > edge.from && t < edge.to;
+}
+
+/// Nodes stand a little beside the curves: of two edges that leave a node side by side the longer one may pass by the
+/// far node of the other one on its wrong side, and the net would not be plane. It goes through that node instead, and
+/// what then lies double is dropped with the copies. One split an edge; false when there was none.
+bool RegionNet::splitAtNodesBeside(const RegionIncidence& at)
+{
+    const size_t known = m_edges.size();
+    std::vector<RegionEdge> added;
+    std::vector<char> split(known);
+    for (uint32_t n = 0; n < m_nodes.size(); ++n) {
+        if (at.first[n + 1] - at.first[n] < 2)
+            continue;
+        for (uint32_t i = at.first[n]; i < at.first[n + 1]; ++i)
+            for (uint32_t k = at.first[n]; k < at.first[n + 1]; ++k) {
+                const uint32_t shorter = at.edges[i], longer = at.edges[k];
+                if (shorter == longer || split[shorter] || split[longer])
+                    continue;
+                RegionEdge& edge = m_edges[longer];
+                const uint32_t far = m_edges[shorter].start == n ? m_edges[shorter].end : m_edges[shorter].start;
+                double t = 0.0;
+                if (far == edge.start || far == edge.end || !passesBeside(edge, far, t))
+                    continue;
+                added.push_back({ far, edge.end, edge.piece, t, edge.to });
+                edge.end = far;
+                edge.to = t;
+                split[longer] = 1;
+            }
+    }
+    m_edges.insert(m_edges.end(), added.begin(), added.end());
+    return !added.empty();
 }
 
 bool RegionNet::areCopies(const RegionEdge& a, const RegionEdge& b) const
@@ -264,9 +330,8 @@ bool RegionNet::areCopies(const RegionEdge& a, const RegionEdge& b) const
     return distance <= m_tolerances.sameEdge();
 }
 
-void RegionNet::dropCopies()
+void RegionNet::dropCopies(const RegionIncidence& at)
 {
-    const RegionIncidence at(m_nodes.size(), m_edges);
     std::vector<char> gone(m_edges.size());
     for (uint32_t n = 0; n < m_nodes.size(); ++n)
         for (uint32_t i = at.first[n]; i < at.first[n + 1]; ++i) {

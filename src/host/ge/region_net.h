@@ -38,7 +38,8 @@ class RegionNodes {
 public:
     RegionNodes(double distance, size_t expected);
     uint32_t find(KcGePoint2d point);
-    const std::vector<KcGePoint2d>& points() const { return m_points; }
+    /// Gives the points away: nothing can be found any more.
+    std::vector<KcGePoint2d> takePoints() { return std::move(m_points); }
 
 private:
     static constexpr uint32_t kNone = ~uint32_t(0);
@@ -54,6 +55,12 @@ struct RegionEdge {
     uint32_t start, end; ///< nodes
     uint32_t piece;
     double from, to; ///< parameters, ascending
+};
+
+/// Per node the edges that begin or end there: those of node n stand from `first[n]` to `first[n + 1]`.
+struct RegionIncidence {
+    std::vector<uint32_t> first, edges;
+    RegionIncidence(size_t nodes, const std::vector<RegionEdge>& edges);
 };
 
 class RegionNet {
@@ -113,7 +120,9 @@ private:
     void makeTree();
     void cutPair(uint32_t a, uint32_t b);
     void sortCuts();
-    void dropCopies();
+    bool splitAtNodesBeside(const RegionIncidence& at);
+    bool passesBeside(const RegionEdge& edge, uint32_t node, double& t) const;
+    void dropCopies(const RegionIncidence& at);
     bool areCopies(const RegionEdge& a, const RegionEdge& b) const;
 
     RegionPieces& m_pieces;
@@ -124,12 +133,6 @@ private:
     std::vector<KcGePoint2d> m_nodes;
     std::vector<RegionEdge> m_edges;
     std::vector<RegionPieces::Common> m_common; ///< of the pair at hand
-};
-
-/// Per node the edges that begin or end there: those of node n stand from `first[n]` to `first[n + 1]`.
-struct RegionIncidence {
-    std::vector<uint32_t> first, edges;
-    RegionIncidence(size_t nodes, const std::vector<RegionEdge>& edges);
 };
 
 } // namespace kcge
