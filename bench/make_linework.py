@@ -36,7 +36,7 @@ S = 10.0
 N = a.beds
 nx = max(1, math.ceil(math.sqrt(N)))
 ny = math.ceil(N / nx)
-OX, OY = a.origin
+OX, OY = a.origin  # added when writing: truth far out is as exact as near
 
 GL = []          # 8-point Gauss-Legendre on [0,1]
 for x, w in ((0.1834346424956498, 0.3626837833783620), (0.5255324099163290, 0.3137066458778873),
@@ -158,7 +158,7 @@ def contrib(g):
 
 # ---------------------------------------------------------------- nodes and edges
 J = 0.10 * S
-V = [[(OX + i * S + R.uniform(-J, J), OY + j * S + R.uniform(-J, J)) for j in range(ny + 1)] for i in range(nx + 1)]
+V = [[(i * S + R.uniform(-J, J), j * S + R.uniform(-J, J)) for j in range(ny + 1)] for i in range(nx + 1)]
 
 
 def kept(i, j):
@@ -226,32 +226,36 @@ for j in range(1, ny):
         i = b
 
 cut_nodes = set()
+stubs = []          # (place in out, edge, its changes at the ends, nodes) of edges that stand out over a run
 
 
 def emit(g, n0, n1):
     """emit one edge between nodes n0, n1 with the wanted faults"""
-    ch0 = ch1 = 0.0     # lengthening (+) or cutting (-) at either end
+    ch = [0.0, 0.0]     # lengthening (+) or cutting (-) at either end
     if g[0] not in "SE":
         for e, n in ((0, n0), (1, n1)):
-            u, ch = R.random(), 0.0
+            u = R.random()
             if n in on_run:
                 if a.gap > 0 and u < a.gap_frac and n not in cut_nodes:
-                    ch = -a.gap * R.uniform(.2, .95)
+                    ch[e] = -a.gap * R.uniform(.2, .95)
                     cut_nodes.add(n)
                 elif u < a.gap_frac + a.overshoot:
-                    ch = S * R.uniform(.02, .05)
+                    ch[e] = S * R.uniform(.02, .05)
                 elif R.random() < .5:
-                    ch = R.uniform(-a.fuzz, a.fuzz)
+                    ch[e] = R.uniform(-a.fuzz, a.fuzz)
             elif a.gap > 0 and u < a.gap_frac and n not in cut_nodes:
-                ch = -a.gap * R.uniform(.2, .95)
+                ch[e] = -a.gap * R.uniform(.2, .95)
                 cut_nodes.add(n)
             elif u > .8:
-                ch = -a.fuzz * R.random()
-            if e == 0:
-                ch0 = ch
-            else:
-                ch1 = ch
-    if g[0] == "L":
+                ch[e] = -a.fuzz * R.random()
+        if max(ch) > a.fuzz:
+            stubs.append((len(out), g, ch, (n0, n1)))
+    out.append(changed(g, *ch))
+
+
+def changed(g, ch0, ch1):
+    """the edge with its ends lengthened or cut"""
+    if g[0] == "L" and (ch0 or ch1):
         (x1, y1), (x2, y2) = g[1], g[2]
         if ch0 or ch1:
             L = math.hypot(x2 - x1, y2 - y1)
@@ -263,7 +267,39 @@ def emit(g, n0, n1):
         a1 = a0 + th + s * ch1 / r
         a0 -= s * ch0 / r
         g = ("R", cx, cy, r, a0, a1) if s > 0 else ("R", cx, cy, r, a1, a0)
-    out.append(g)
+    return g
+
+
+def point(g, t):
+    """a point of an edge, also beyond its ends for lines and arcs"""
+    if g[0] == "L":
+        return tuple(g[1][m] + (g[2][m] - g[1][m]) * t for m in (0, 1))
+    if g[0] == "A":
+        cx, cy, r, a0, th = arc_of(*g[1:])
+        return cx + r * math.cos(a0 + th * t), cy + r * math.sin(a0 + th * t)
+    return bez(g[1], t) if g[0] == "S" else ell(g, t)[:2]
+
+
+def encloses(g, end, stub, other, node):
+    """whether an edge that goes on beyond a node, or is extended there, meets the one that begins there once more, with a
+    real zone between them"""
+    length = math.hypot(g[2][0] - g[1][0], g[2][1] - g[1][1])
+    far = point(other, 1)
+    back = math.hypot(far[0] - node[0], far[1] - node[1]) < S / 2
+    sides = []
+    for i in range(1, 80):
+        beyond = 1.1 * (stub + a.gap) * i / 79 / length
+        p = point(g, 1 + beyond if end else -beyond)
+        p = (p[0] - node[0], p[1] - node[1])
+        d = math.hypot(*p)
+        low, high = 0.0, 0.5
+        for _ in range(40):         # the other edge's point as far from the node
+            t = (low + high) / 2
+            q = point(other, 1 - t if back else t)
+            low, high = (t, high) if math.hypot(q[0] - node[0], q[1] - node[1]) < d else (low, t)
+        sides.append(cr(p, (q[0] - node[0], q[1] - node[1])) / d)
+    return min(sides) < -2e-5 and max(sides) > 2e-5 or (
+        max(map(abs, sides)) > 2e-5 and abs(sides[-1]) < 0.05 * max(map(abs, sides)))
 
 
 for j in range(ny + 1):
@@ -293,6 +329,15 @@ for i in range(nx + 1):
             for k, g in enumerate(es):
                 jj = j - len(es) + k
                 emit(g, (i, jj), (i, jj + 1))
+
+# An end that stands out and crosses the edge beyond encloses a zone that nobody drew: such ends are left as they were.
+for place, g, ch, nodes in stubs:
+    for end in (0, 1):
+        i, j = nodes[end]
+        other = ver.get((i, j) if end else (i, j - 1))
+        if ch[end] > a.fuzz and other and encloses(g, end, ch[end], other, V[i][j]):
+            ch[end] = 0.0
+            out[place] = changed(g, *ch)
 
 # ---------------------------------------------------------------- truth: beds, islands
 zones = []
@@ -388,34 +433,39 @@ def norm_arc(g):
     return g[1:]
 
 
+def at(p):
+    """a point as it is written"""
+    return p[0] + OX, p[1] + OY
+
+
 nseg = 0
 with open(a.out + ".crv", "w") as f:
     for g in out:
         k = g[0]
         if k == "L":
-            f.write("L %r %r %r %r\n" % (*g[1], *g[2]))
+            f.write("L %r %r %r %r\n" % (*at(g[1]), *at(g[2])))
             nseg += 1
         elif k in "AR":
-            f.write("A %r %r %r %r %r\n" % norm_arc(g))
+            f.write("A %r %r %r %r %r\n" % (*at(norm_arc(g)), *norm_arc(g)[2:]))
             nseg += 1
         elif k == "C":
-            f.write("C %r %r %r\n" % g[1:])
+            f.write("C %r %r %r\n" % (*at(g[1:]), g[3]))
             nseg += 1
         elif k == "E":
-            f.write("E %r %r %r %r %r %r %r %r\n" % g[1:])
+            f.write("E %r %r %r %r %r %r %r %r\n" % (*at(g[1:]), *g[3:]))
             nseg += 1
         elif k == "S" and a.smooth and R.random() < 0.7:
             knots, pts = with_knots(g[1], sorted(R.uniform(0.1, 0.9) for _ in range(R.randint(1, 4))))
-            f.write("N 3 %d " % len(pts) + " ".join(map(repr, knots)) + " " + " ".join("%r %r" % p for p in pts) + "\n")
+            f.write("N 3 %d " % len(pts) + " ".join(map(repr, knots)) + " " + " ".join("%r %r" % at(p) for p in pts) + "\n")
             nseg += 1
         elif k == "S":
-            f.write("S " + " ".join("%r %r" % p for p in g[1]) + "\n")
+            f.write("S " + " ".join("%r %r" % at(p) for p in g[1]) + "\n")
             nseg += 1
         else:
-            f.write("P %d %d " % (g[1], len(g[2])) + " ".join("%r %r %r" % p for p in g[2]) + "\n")
+            f.write("P %d %d " % (g[1], len(g[2])) + " ".join("%r %r %r" % (*at(p), p[2]) for p in g[2]) + "\n")
             nseg += len(g[2]) - (0 if g[1] else 1)
 
 with open(a.out + ".truth", "w") as f:
     for z in zones:
-        f.write("%r %d %r %r\n" % (z["gross"], len(z["holes"]), z["cx"], z["cy"]))
+        f.write("%r %d %r %r\n" % (z["gross"], len(z["holes"]), *at((z["cx"], z["cy"]))))
 print("%d zones, %d curves, %d segments" % (len(zones), len(out), nseg), file=sys.stderr)

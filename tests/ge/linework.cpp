@@ -146,8 +146,10 @@ Score compare(const KcGeRegionSearch& found, const std::vector<TrueZone>& truth,
                     }
                 }
             }
-        if (best == found.size())
+        if (best == found.size()) {
+            score.missed.push_back(zone);
             continue;
+        }
         used[best] = 1;
         ++matched;
         score.worstArea = std::max(score.worstArea, bestOff);
@@ -155,6 +157,9 @@ Score compare(const KcGeRegionSearch& found, const std::vector<TrueZone>& truth,
             ++score.right;
     }
     score.extra = found.size() - matched;
+    for (size_t i = 0; i < found.size(); ++i)
+        if (!used[i])
+            score.surplus.push_back(i);
     return score;
 }
 

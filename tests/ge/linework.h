@@ -25,6 +25,8 @@ struct Score {
     size_t right = 0; ///< with the true area, centre and number of islands
     size_t extra = 0; ///< regions that are no zone
     double worstArea = 0.0; ///< largest difference among the right ones
+    std::vector<TrueZone> missed; ///< zones that no region has the area and centre of
+    std::vector<size_t> surplus; ///< the regions that are no zone
 };
 /// Matches regions to zones, each once.
 Score compare(const KcGeRegionSearch& found, const std::vector<TrueZone>& truth, double areaTolerance);
