@@ -266,6 +266,7 @@ TEST(RegionSearch, GeneratedLineworkAgainstItsTruth)
         { "dirty", {}, 0.0 },
         { "gaps", { QStringLiteral("--gap"), QStringLiteral("0.2") }, 0.21 },
         { "splines of several spans and ellipses", { QStringLiteral("--smooth"), QStringLiteral("0.4") }, 0.0 },
+        { "far out", { QStringLiteral("--origin"), QStringLiteral("4e8"), QStringLiteral("3e8") }, 0.0 },
     };
     for (const Row& row : rows)
         for (int seed = 1; seed <= 3; ++seed) {
