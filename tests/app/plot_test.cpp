@@ -1,32 +1,20 @@
 // `verdelis plot` as a user calls it.
-#include <gtest/gtest.h>
+#include "app/support.h"
 
 #include <QFileInfo>
 #include <QImage>
-#include <QProcess>
-#include <QTemporaryDir>
 
 namespace {
 
-class Plot : public ::testing::Test {
+class Plot : public app_test::Program {
 protected:
     int plot(const QStringList& arguments)
     {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("VERDELIS_ROOT", folder.filePath("root"));
-        for (const char* name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
-            environment.remove(name);
-        process.setProcessEnvironment(environment);
-        process.start(VERDELIS_PROGRAM, QStringList{ "plot" } + arguments);
-        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-            return -1;
-        said = QString::fromUtf8(process.readAllStandardError());
-        return process.exitCode();
+        const app_test::Outcome outcome = run(QStringList{ "plot" } + arguments);
+        said = outcome.err;
+        return outcome.status;
     }
 
-    QTemporaryDir folder;
-    const QString plan = QStringLiteral(VERDELIS_SOURCE_DIR "/examples/planting-plan.dxf");
     const QString viewports = QStringLiteral(VERDELIS_TEST_DATA "/drawings/viewports-r2013.dxf");
     QString said;
 };

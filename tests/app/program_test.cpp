@@ -1,48 +1,9 @@
 // The program as a user calls it: exit statuses, where messages go, and that a failed run leaves no file
 // behind.
-#include <gtest/gtest.h>
+#include "app/support.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
-
-namespace {
-
-struct Outcome {
-    int status = -1;
-    QString out, err;
-};
-
-class Program : public ::testing::Test {
-protected:
-    Outcome run(const QStringList& arguments, const QByteArray& input = {})
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("VERDELIS_ROOT", folder.filePath("root"));
-        for (const char* name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
-            environment.remove(name);
-        process.setProcessEnvironment(environment);
-        process.start(VERDELIS_PROGRAM, arguments);
-        process.write(input);
-        process.closeWriteChannel();
-        if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-            return {};
-        return { process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                 QString::fromUtf8(process.readAllStandardError()) };
-    }
-    QString write(const QString& name, const QByteArray& content)
-    {
-        QFile file(folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        return file.fileName();
-    }
-
-    QTemporaryDir folder;
-    const QString plan = QStringLiteral(VERDELIS_SOURCE_DIR "/examples/planting-plan.dxf");
-};
-
-} // namespace
+using app_test::Outcome;
+using app_test::Program;
 
 TEST_F(Program, ExitStatuses)
 {

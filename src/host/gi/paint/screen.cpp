@@ -15,6 +15,14 @@ constexpr double kDotBelow = 1.5; // pixels: smaller things are one
 constexpr size_t kMostMemory = 256'000'000; // bytes of pictures and lines of definitions
 constexpr size_t kRowsBetweenLooks = 1024;
 
+KcGiPainterDevice::Options deviceOptions(const KcGiScreen::View& view)
+{
+    KcGiPainterDevice::Options options;
+    options.background = view.background;
+    options.smallest = kDotBelow;
+    return options;
+}
+
 } // namespace
 
 struct KcGiScreen::Kept {
@@ -148,10 +156,7 @@ bool KcGiScreen::paint(QImage& image, const View& view, const std::function<bool
     const KcGiPixels pixels(image);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    KcGiPainterDevice::Options options;
-    options.background = view.background;
-    options.smallest = kDotBelow;
-    Device device(painter, options, pixels, &symbols);
+    Device device(painter, deviceOptions(view), pixels, &symbols);
     KcGiSceneOptions sceneOptions = optionsFor(image, view);
     sceneOptions.cancelled = cancelled;
     KcGiScene scene(m_database, device, sceneOptions);
@@ -210,10 +215,7 @@ void KcGiScreen::drawOver(
     const KcGiPixels pixels(image);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    KcGiPainterDevice::Options options;
-    options.background = view.background;
-    options.smallest = kDotBelow;
-    Device device(painter, options, pixels, nullptr);
+    Device device(painter, deviceOptions(view), pixels, nullptr);
     KcGiSceneOptions sceneOptions = optionsFor(image, view);
     sceneOptions.oneColor = color;
     KcGiScene scene(m_database, device, sceneOptions);
