@@ -83,6 +83,25 @@ TEST(Screen, ShowsWhatDrawingEverythingShows)
     EXPECT_LE(difference(close, shown(screen, d.database, { 400, 400 }, 20.0)), 2);
 }
 
+TEST(Screen, DefinitionsFarFromTheirOriginComeToTheirPlace)
+{
+    Drawing d;
+    const KcDbObjectId block = d.block("FAR");
+    constexpr double kFar = 5e8;
+    d.add(d.square(kFar, kFar, 10), block);
+    auto reference = std::make_unique<KcDbBlockReference>(KcGePoint3d{ kFar + 50, -kFar + 50, 0 }, block);
+    reference->setRotation(kPi / 2); // fills (40..50, 50..60)
+    reference->setColorIndex(1);
+    d.add(std::move(reference));
+    KcGiScreen screen(d.database);
+    for (int i = 0; i < 2; ++i) {
+        const QImage image = shown(screen, d.database);
+        EXPECT_NE(at(image, 45, 55), 0xff000000);
+        EXPECT_EQ(at(image, 35, 55), 0xff000000);
+        EXPECT_EQ(at(image, 55, 55), 0xff000000);
+    }
+}
+
 TEST(Screen, FollowsEveryChange)
 {
     Drawing d;

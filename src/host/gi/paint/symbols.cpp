@@ -13,6 +13,7 @@ constexpr double kTurnsFrom = 10.0; // pixels: how smaller definitions are turne
 constexpr double kStampBelow = 24.0; // pixels: larger definitions are drawn by their lines
 constexpr double kLargest = 1e5; // pixels: of even larger ones little is seen, part by part
 constexpr double kSagitta = 0.2; // pixels
+constexpr double kFarOff = 1e4; // sizes: definitions that lie so far from their origin need exact transforms
 constexpr double kEven = 1e-3; // slack of the axes of an even transform, as a share of their length
 
 void blend(const KcGiPixels& image, const std::vector<QRgb>& pixels, int width, int height, QPoint at)
@@ -59,7 +60,11 @@ KcGiSymbol::KcGiSymbol(const KcGiDevice::Placement& placement, QRgb background)
     , m_size(std::max(placement.box.width(), placement.box.height()))
     // What is half transparent would show where its lines cross, what has gaps or weights depends on the
     // reference.
-    , m_mayBeKept(qAlpha(placement.color) == 255 && !placement.linetype && placement.thinLines)
+    , m_mayBeKept(
+          qAlpha(placement.color) == 255 && !placement.linetype && placement.thinLines
+          && std::max({ std::abs(m_box.left()), std::abs(m_box.right()), std::abs(m_box.top()),
+                        std::abs(m_box.bottom()) })
+              < kFarOff * m_size)
     , m_canBeKept(m_mayBeKept)
 {
 }
