@@ -6,6 +6,7 @@
 #include "db/draw_order.h"
 #include "db/header.h"
 #include "db/tables.h"
+#include "db/text.h"
 #include "db/viewport.h"
 #include "gi/colour_table.h"
 
@@ -268,7 +269,12 @@ void KcGiScene::drawOne(const KcDbEntity& entity)
         * (entity.linetypeScale() > 0.0 ? entity.linetypeScale() : 1.0);
     m_traits.width = penWidth(entity.lineWeight(), *own);
 
-    entity.worldDraw(*this);
+    // Of the attribute definitions only constant ones are drawn inside a reference: by their value, not their
+    // tag.
+    if (!m_definitions.empty() && entity.isKindOf(KcDbAttributeDefinition::desc()))
+        static_cast<const KcDbAttributeDefinition&>(entity).drawInReference(*this);
+    else
+        entity.worldDraw(*this);
 
     m_traits = traitsBefore;
     m_entity = entityBefore;
