@@ -37,9 +37,10 @@ int window(const Arguments& arguments)
         return kFileError;
     KcUiMainWindow window;
     window.show();
-    if (arguments.isEmpty() || !window.openDrawing(arguments.first()))
-        window.newDrawing();
     const KcEdSourceScope source(window.source());
+    const QString drawing = arguments.value(0);
+    if (!window.offerLostWork(drawing) && (drawing.isEmpty() || !window.openDrawing(drawing)))
+        window.newDrawing();
     KcEdEditor::instance().run();
     return kDone;
 }

@@ -19,6 +19,8 @@ public:
     /// True when something changed since the drawing was opened or saved.
     bool isModified() const { return m_database->changeCount() != m_savedAt; }
     void markSaved() { m_savedAt = m_database->changeCount(); }
+    /// What is in memory is in no file yet, although nothing changed since it was read.
+    void markUnsaved() { m_savedAt = ~uint64_t(0); }
 
     /// Selected while no command ran; the next command that may take it takes it.
     KcEdSelectionSet pickFirst;

@@ -2,6 +2,9 @@
 
 #include "ui/canvas.h"
 
+#include "ed/activity.h"
+#include "ed/grip_drag.h"
+#include "ed/grips.h"
 #include "ed/selection.h"
 #include "ui/palette.h"
 #include "ui/window_source.h"
@@ -15,6 +18,7 @@ namespace {
 
 constexpr double kWheelStep = 1.2; // zoom of one notch
 constexpr int kDragPixels = 5; // a button that moves less was a click
+constexpr double kGripReach = 6.0; // pixels to each side of a grip
 constexpr int kFrameDelay = 15; // milliseconds; changes that follow one another closely cost one picture
 constexpr int kNotch = 120; // of a wheel, in the toolkit's units
 constexpr int kWheelPause = 700; // milliseconds; turns closer to each other are one change of the view
@@ -88,6 +92,12 @@ void KcUiCanvas::setDark(bool dark)
     regenerate();
 }
 
+void KcUiCanvas::aidsChanged()
+{
+    if (m_inside)
+        moveCursor(m_pixel);
+}
+
 KcUiScreenMap KcUiCanvas::map() const
 {
     return { m_document ? kcedView(*m_document) : KcEdView(), QSizeF(QWidget::size()) };
@@ -118,8 +128,8 @@ void KcUiCanvas::zoomWindow()
 
 void KcUiCanvas::viewChanged()
 {
-    // What is quickly drawn, and a step of a pan, is shown at once; else the last picture, moved and stretched,
-    // until the new one is there.
+    // What is quickly drawn, and a step of a pan, is shown at once; else the last picture, moved and
+    // stretched, until the new one is there.
     if (m_panFrom || m_renderTime < kAtOnce)
         renderFrame();
     else
@@ -202,7 +212,7 @@ bool KcUiCanvas::selects() const
 void KcUiCanvas::moveCursor(QPointF pixel)
 {
     m_pixel = pixel;
-    m_inside = true;
+    m_inside = rect().contains(pixel.toPoint());
     if (!m_document)
         return;
     const KcUiScreenMap shown = map();
@@ -269,12 +279,28 @@ void KcUiCanvas::mouseReleaseEvent(QMouseEvent* event)
         moveCursor(event->position());
         return;
     }
-    if (event->button() != Qt::LeftButton || !m_dragging)
+    if (event->button() != Qt::LeftButton)
+        return;
+    // A grip that was dragged is let go here; one that was clicked goes on to the next click.
+    if (const auto from = std::exchange(m_gripFrom, {}); from && m_prompt && m_prompt->drag
+        && m_source.waiting() && (event->position() - *from).manhattanLength() > kDragPixels) {
+        moveCursor(event->position());
+        m_source.push(KcEdClick{ m_aim.point });
+        return;
+    }
+    if (!m_dragging)
         return;
     m_dragging = false;
-    // A click leaves the first corner; the rectangle then ends with the next click.
-    if (m_rectangleFrom && (event->position() - *m_rectangleFrom).manhattanLength() > kDragPixels)
+    if (!m_rectangleFrom)
+        return;
+    // A drag draws a rectangle, wherever it begins: dense plans leave no empty place for a corner. A click
+    // picks what lies there; where nothing does, it leaves the first corner, and the next click is the other
+    // one.
+    if ((event->position() - *m_rectangleFrom).manhattanLength() > kDragPixels)
         finishRectangle(event->position(), event->modifiers() & Qt::ShiftModifier);
+    else if (!m_zoomsWindow && m_source.waiting() && pickUnder(*m_rectangleFrom, event->modifiers()))
+        m_rectangleFrom.reset();
+    QWidget::update();
 }
 
 void KcUiCanvas::mouseDoubleClickEvent(QMouseEvent* event)
@@ -282,8 +308,7 @@ void KcUiCanvas::mouseDoubleClickEvent(QMouseEvent* event)
     if (event->button() == Qt::MiddleButton) {
         m_panFrom.reset();
         zoomExtents();
-    }
-    else
+    } else
         mousePressEvent(event);
 }
 
@@ -308,22 +333,52 @@ void KcUiCanvas::press(QPointF pixel, Qt::KeyboardModifiers keys)
     } else if (selects()) {
         if (m_rectangleFrom)
             return finishRectangle(pixel, keys & Qt::ShiftModifier);
-        pickUnder(pixel, keys);
+        if (m_prompt->kind == KcEdPrompt::Kind::Command && !keys && pressGrip(pixel))
+            return;
+        m_rectangleFrom = pixel;
+        m_dragging = true;
     }
 }
 
+// Every grip that lies where the pressed one does goes with it: corners that meet stay together.
+bool KcUiCanvas::pressGrip(QPointF pixel)
+{
+    if (!showsGrips())
+        return false;
+    const KcUiScreenMap shown = map();
+    std::optional<KcGePoint3d> from;
+    std::vector<KcEdGrip> grips;
+    for (const KcDbObjectId id : m_document->pickFirst.ids()) {
+        const KcDbRead<KcDbEntity> entity(id);
+        if (!entity)
+            continue;
+        const std::vector<KcGePoint3d> points = kcedGripPoints(*entity);
+        for (size_t i = 0; i < points.size(); ++i) {
+            const QPointF off = shown.toPixel({ points[i].x, points[i].y }) - pixel;
+            if (!from && std::max(std::abs(off.x()), std::abs(off.y())) <= kGripReach)
+                from = points[i];
+            if (from && points[i].isEqualTo(*from))
+                grips.push_back({ id, i });
+        }
+    }
+    if (!from)
+        return false;
+    m_gripFrom = pixel;
+    return kcedRequest(KcEdWish::Change, [document = m_document, grips, from = *from] {
+        if (document == kcDocManagerPtr()->curDocument())
+            kcedDragGrips(*document, grips, from);
+    });
+}
+
 // Picking again at the same place with Ctrl takes what lies below in the place of what was taken.
-void KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
+bool KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
 {
     using Mode = KcEdSelectionLine::Mode;
     const std::vector<KcDbObjectId> before = m_under;
     const size_t beforeAt = m_underAt;
     KcDbObjectId id = entityUnder(pixel);
-    if (id.isNull()) {
-        m_rectangleFrom = pixel;
-        m_dragging = true;
-        return;
-    }
+    if (id.isNull())
+        return false;
     if (keys & Qt::ControlModifier && m_under == before) {
         m_underAt = (beforeAt + 1) % m_under.size();
         id = m_under[m_underAt];
@@ -331,6 +386,7 @@ void KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
             answerSelection({ Mode::Handles, true, {}, { m_under[beforeAt].handle() } });
     }
     answerSelection({ Mode::Handles, bool(keys & Qt::ShiftModifier), {}, { id.handle() } });
+    return true;
 }
 
 KcDbObjectId KcUiCanvas::entityUnder(QPointF pixel)

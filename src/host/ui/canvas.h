@@ -24,6 +24,8 @@ public:
     /// What waits for an answer; null while a command computes.
     void setPrompt(const KcEdPrompt* prompt);
     void setDark(bool dark);
+    /// Snaps, ortho or tracking have been switched.
+    void aidsChanged();
     bool isDark() const { return m_dark; }
 
     /// Keys that the drawing area does not take.
@@ -79,12 +81,16 @@ private:
     void finishRectangle(QPointF pixel, bool removes);
     void answerSelection(KcEdSelectionLine line);
     KcDbObjectId entityUnder(QPointF pixel);
-    void pickUnder(QPointF pixel, Qt::KeyboardModifiers keys);
+    bool pressGrip(QPointF pixel);
+    /// False when nothing lies there.
+    bool pickUnder(QPointF pixel, Qt::KeyboardModifiers keys);
 
     void drawCursor(QPainter& painter);
+    void drawSnap(QPainter& painter);
     void drawRubberBand(QPainter& painter);
     void drawSelectionRectangle(QPainter& painter);
     void drawGrips(QPainter& painter);
+    bool showsGrips() const;
     void drawAxes(QPainter& painter);
 
     KcUiWindowSource& m_source;
@@ -115,6 +121,7 @@ private:
     bool m_panned = false; ///< since the button went down
     std::optional<QPointF> m_rectangleFrom; ///< first corner of a selection rectangle
     bool m_zoomsWindow = false; ///< the rectangle is no selection but the next view
+    std::optional<QPointF> m_gripFrom; ///< where a grip was pressed, while the button is down
     bool m_dragging = false; ///< the button is still down since the first corner
     std::vector<KcDbObjectId> m_under; ///< what lay under the cursor at the last pick, and
     size_t m_underAt = 0; ///< which of it was taken

@@ -57,4 +57,5 @@ void KcUiCanvas::paintEvent(QPaintEvent*)
     drawRubberBand(painter);
     drawSelectionRectangle(painter);
     drawCursor(painter);
+    drawSnap(painter);
 }

@@ -31,9 +31,16 @@ const KcUiPalette& kcuiPalette(bool dark)
     return dark ? darkColors : lightColors;
 }
 
+// While nothing runs; a command that asks has a selection of its own.
+bool KcUiCanvas::showsGrips() const
+{
+    return m_document && m_document->pickFirst.size() <= kMostGrips && m_prompt
+        && m_prompt->kind == KcEdPrompt::Kind::Command;
+}
+
 void KcUiCanvas::drawGrips(QPainter& painter)
 {
-    if (!m_document || m_document->pickFirst.size() > kMostGrips)
+    if (!showsGrips())
         return;
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(kcuiPalette(m_dark).background);
@@ -68,10 +75,9 @@ void KcUiCanvas::drawRubberBand(QPainter& painter)
         const KcGeVector3d way{ std::cos(*m_aim.track) * far, std::sin(*m_aim.track) * far, 0.0 };
         painter.setPen(QPen(colors.snap, 1, Qt::DotLine));
         painter.drawLine(pixelOf(*m_prompt->base), pixelOf(m_aim.point + way));
-        const QString words
-            = QStringLiteral("%1 < %2°")
-                  .arg(m_aim.point.distanceTo(*m_prompt->base), 0, 'f', 2)
-                  .arg(std::fmod(*m_aim.track * 180.0 / kPi + 360.0, 360.0), 0, 'f', 0);
+        const QString words = QStringLiteral("%1 < %2°")
+                                  .arg(m_aim.point.distanceTo(*m_prompt->base), 0, 'f', 2)
+                                  .arg(std::fmod(*m_aim.track * 180.0 / kPi + 360.0, 360.0), 0, 'f', 0);
         painter.drawText(pixelOf(m_aim.point) + QPointF(14, 22), words);
     }
     painter.setPen(QPen(colors.band, 1, Qt::DashLine));
@@ -122,6 +128,88 @@ void KcUiCanvas::drawCursor(QPainter& painter)
     }
     if (picks)
         painter.drawRect(QRectF(at.x() - box, at.y() - box, 2 * box, 2 * box));
+}
+
+// One sign for each kind of point, as draughtsmen know them.
+void KcUiCanvas::drawSnap(QPainter& painter)
+{
+    if (!m_aim.snap || !m_inside || m_panFrom)
+        return;
+    const KcGePoint3d p = m_aim.snap->point;
+    const QPointF at = map().toPixel({ p.x, p.y });
+    constexpr double r = 6.0;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(kcuiPalette(m_dark).snap, 2));
+    painter.setBrush(Qt::NoBrush);
+    const auto polygon = [&](std::initializer_list<QPointF> corners) {
+        QPolygonF shape;
+        for (const QPointF corner : corners)
+            shape += at + corner * r;
+        painter.drawPolygon(shape);
+    };
+    const auto line = [&](double x1, double y1, double x2, double y2) {
+        painter.drawLine(at + QPointF(x1, y1) * r, at + QPointF(x2, y2) * r);
+    };
+    const char* name = "";
+    switch (m_aim.snap->mode) {
+    case kcedSnapEnd:
+        name = "Endpoint";
+        polygon({ { -1, -1 }, { 1, -1 }, { 1, 1 }, { -1, 1 } });
+        break;
+    case kcedSnapMiddle:
+        name = "Midpoint";
+        polygon({ { 0, -1 }, { 1, 1 }, { -1, 1 } });
+        break;
+    case kcedSnapCenter:
+        name = "Centre";
+        painter.drawEllipse(at, r, r);
+        break;
+    case kcedSnapNode:
+        name = "Node";
+        painter.drawEllipse(at, r, r);
+        line(-1, -1, 1, 1);
+        line(-1, 1, 1, -1);
+        break;
+    case kcedSnapQuadrant:
+        name = "Quadrant";
+        polygon({ { 0, -1.2 }, { 1.2, 0 }, { 0, 1.2 }, { -1.2, 0 } });
+        break;
+    case kcedSnapIntersection:
+        name = "Intersection";
+        line(-1, -1, 1, 1);
+        line(-1, 1, 1, -1);
+        break;
+    case kcedSnapInsertion:
+        name = "Insertion";
+        polygon({ { -1, -1 },
+                  { 0.2, -1 },
+                  { 0.2, -0.2 },
+                  { 1, -0.2 },
+                  { 1, 1 },
+                  { -0.2, 1 },
+                  { -0.2, 0.2 },
+                  { -1, 0.2 } });
+        break;
+    case kcedSnapPerpendicular:
+        name = "Perpendicular";
+        line(-1, -1, -1, 1);
+        line(-1, 1, 1, 1);
+        line(-1, 0, 0, 0);
+        line(0, 0, 0, 1);
+        break;
+    case kcedSnapTangent:
+        name = "Tangent";
+        painter.drawEllipse(at, r * 0.8, r * 0.8);
+        line(-1.2, -1, 1.2, -1);
+        break;
+    case kcedSnapNearest:
+        name = "Nearest";
+        polygon({ { -1, -1 }, { 1, -1 }, { -1, 1 }, { 1, 1 } });
+        break;
+    default:
+        break;
+    }
+    painter.drawText(at + QPointF(14, -12), QLatin1String(name));
 }
 
 void KcUiCanvas::drawAxes(QPainter& painter)

@@ -9,6 +9,7 @@
 #include "ed/documents.h"
 #include "ed/system_variables.h"
 #include "gi/colour_table.h"
+#include "widgets/colours.h"
 
 #include <QHeaderView>
 #include <QLineEdit>
@@ -174,6 +175,20 @@ void KcUiLayerPanel::itemChanged(QTreeWidgetItem* item, int column)
     });
 }
 
+void KcUiLayerPanel::changeColor(const QString& name)
+{
+    KcDbDatabase& database = m_document->database();
+    const KcDbObjectId id = kcdbFindRecord(database.layerTable(), name);
+    int color = 7;
+    if (const KcDbRead<KcDbLayerTableRecord> layer(id); layer)
+        color = layer->colorIndex();
+    if (!kcedSetColorDialog(color, false, color))
+        return;
+    const KcApUndoStep step(database, QStringLiteral("LAYER"));
+    if (KcDbWrite<KcDbLayerTableRecord> layer(id); layer)
+        layer->setColor(color);
+}
+
 void KcUiLayerPanel::itemActivated(QTreeWidgetItem* item, int column)
 {
     const QString name = item->text(kName);
@@ -183,6 +198,8 @@ void KcUiLayerPanel::itemActivated(QTreeWidgetItem* item, int column)
         if (column == kName) {
             if (const QString sentence = kcedSetVar(QStringLiteral("CLAYER"), name); !sentence.isEmpty())
                 kcedSay(sentence);
+        } else if (column == kColor) {
+            changeColor(name);
         }
         m_timer.start();
     });

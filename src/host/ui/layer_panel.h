@@ -30,6 +30,7 @@ private:
     void changed(const KcDbObject& object);
     void fill();
     void applyFilter();
+    void changeColor(const QString& name);
     void itemChanged(QTreeWidgetItem* item, int column);
     void itemActivated(QTreeWidgetItem* item, int column);
 

@@ -2,15 +2,16 @@
 
 #include "ui/main_window.h"
 
-#include "dxf/drawing_file.h"
 #include "ed/activity.h"
 #include "ed/command_stack.h"
 #include "ed/console.h"
+#include "ed/document_files.h"
 #include "ed/system_variables.h"
 #include "gi/paint/plot.h"
 #include "platform/message_box.h"
 #include "ui/canvas.h"
 #include "ui/command_line.h"
+#include "ui/drafting_aids.h"
 #include "ui/layer_panel.h"
 #include "ui/property_panel.h"
 
@@ -18,10 +19,8 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
-#include <QFileDialog>
 #include <QLabel>
 #include <QMenu>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QProgressBar>
 #include <QSettings>
@@ -31,11 +30,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-QString drawingFilter()
-{
-    return QStringLiteral("Drawings (*.dxf *.DXF);;All files (*)");
-}
 
 QString shownName(KcApDocument& document)
 {
@@ -48,6 +42,7 @@ QString shownName(KcApDocument& document)
 KcUiMainWindow::KcUiMainWindow()
     : m_canvas(new KcUiCanvas(m_source, this))
     , m_commandLine(new KcUiCommandLine(m_source, this))
+    , m_aids(new KcUiDraftingAids(this))
     , m_tabs(new QTabBar(this))
 {
     setObjectName(QStringLiteral("mainWindow"));
@@ -85,6 +80,7 @@ KcUiMainWindow::KcUiMainWindow()
     kcDocManagerPtr()->setMainWindow(this);
     kcDocManagerPtr()->onCurrentChanged = [this] { showDocument(); };
 
+    m_aids->onChanged = [this] { m_canvas->aidsChanged(); };
     makeStatusBar();
     makePanels();
     makeMenus();
@@ -130,9 +126,12 @@ void KcUiMainWindow::waiting(const KcEdPrompt* prompt)
     updateTitle();
     if (!prompt)
         return;
-    if (prompt->kind == KcEdPrompt::Kind::Command && !kcedCommandStack().active())
+    if (prompt->kind == KcEdPrompt::Kind::Command && !kcedCommandStack().active()) {
         updateTabs();
+        rememberRecent();
+    }
     m_properties->refresh();
+    m_aids->refresh();
 }
 
 void KcUiMainWindow::runCommand(const QString& name)
@@ -154,32 +153,15 @@ void KcUiMainWindow::showDocument()
 
 bool KcUiMainWindow::openDrawing(const QString& path)
 {
-    auto database = std::make_unique<KcDbDatabase>(KcDbDatabase::Content::kEmpty);
     QApplication::setOverrideCursor(Qt::WaitCursor);
-    const auto result = dxf::readDrawing(path, *database);
+    const bool opened = kcedOpenDrawing(path);
     QApplication::restoreOverrideCursor();
-    if (!result.ok) {
-        platform::MessageBoxW(
-            this, result.error, QStringLiteral("Open"), platform::MessageBoxButtons::Ok,
-            platform::MessageBoxIcon::Error);
-        return false;
-    }
-    for (const QString& note : result.notes)
-        kcedSay(note);
-    KcApDocument* before = kcDocManagerPtr()->curDocument();
-    kcDocManagerPtr()->open(std::move(database));
-    if (before)
-        kcDocManagerPtr()->close(*before);
-    rememberRecent(path);
-    return true;
+    return opened;
 }
 
 void KcUiMainWindow::newDrawing()
 {
-    KcApDocument* before = kcDocManagerPtr()->curDocument();
-    kcDocManagerPtr()->open(std::make_unique<KcDbDatabase>());
-    if (before)
-        kcDocManagerPtr()->close(*before);
+    kcedNewDrawing();
 }
 
 bool KcUiMainWindow::save()
@@ -187,21 +169,8 @@ bool KcUiMainWindow::save()
     KcApDocument* document = kcDocManagerPtr()->curDocument();
     if (!document)
         return false;
-    if (document->database().fileName().isEmpty())
-        return saveAs();
-    const auto result = dxf::saveDrawing(document->database(), document->database().fileName());
-    for (const QString& note : result.notes)
-        kcedSay(note);
-    if (!result.ok) {
-        platform::MessageBoxW(
-            this, result.error, QStringLiteral("Save"), platform::MessageBoxButtons::Ok,
-            platform::MessageBoxIcon::Error);
-        return false;
-    }
-    document->markSaved();
-    kcedSay(QStringLiteral("Saved %1").arg(document->database().fileName()));
-    updateTitle();
-    return true;
+    const QString path = document->database().fileName();
+    return path.isEmpty() ? saveAs() : kcedSaveDrawing(*document, path);
 }
 
 bool KcUiMainWindow::saveAs()
@@ -209,41 +178,15 @@ bool KcUiMainWindow::saveAs()
     KcApDocument* document = kcDocManagerPtr()->curDocument();
     if (!document)
         return false;
-    QString path = QFileDialog::getSaveFileName(
-        this, QStringLiteral("Save the drawing as"), document->database().fileName(), drawingFilter());
-    if (path.isEmpty())
-        return false;
-    if (QFileInfo(path).suffix().isEmpty())
-        path += QStringLiteral(".dxf");
-    const QString before = document->database().fileName();
-    document->database().setFileName(path);
-    if (save()) {
-        rememberRecent(path);
-        return true;
-    }
-    document->database().setFileName(before);
-    return false;
+    const QString path
+        = kcedAskDrawingFile(QStringLiteral("Save the drawing as"), false, document->database().fileName());
+    return !path.isEmpty() && kcedSaveDrawing(*document, path);
 }
 
 bool KcUiMainWindow::mayDiscard()
 {
     KcApDocument* document = kcDocManagerPtr()->curDocument();
-    if (!document || !document->isModified())
-        return true;
-    QMessageBox question(
-        QMessageBox::Question, QStringLiteral("Verdelis"),
-        QStringLiteral("%1 has changes that are not saved.").arg(shownName(*document)),
-        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
-    question.setObjectName(QStringLiteral("unsavedQuestion"));
-    question.setDefaultButton(QMessageBox::Save);
-    switch (question.exec()) {
-    case QMessageBox::Save:
-        return save();
-    case QMessageBox::Discard:
-        return true;
-    default:
-        return false;
-    }
+    return !document || kcedMayDiscard(*document);
 }
 
 void KcUiMainWindow::updateTitle()
@@ -271,6 +214,8 @@ void KcUiMainWindow::closeEvent(QCloseEvent* event)
         QSettings settings;
         settings.setValue(QStringLiteral("window/geometry"), saveGeometry());
         settings.setValue(QStringLiteral("window/state"), saveState());
+        m_aids->save();
+        m_autosave.recovery().discard();
         m_source.finish();
         close();
     });
@@ -294,6 +239,44 @@ void KcUiMainWindow::dropEvent(QDropEvent* event)
     });
 }
 
+bool KcUiMainWindow::offerLostWork(const QString& drawing)
+{
+    const QString wanted = drawing.isEmpty() ? QString() : QFileInfo(drawing).absoluteFilePath();
+    for (const KcUiRecovery::Lost& lost : m_autosave.recovery().lost()) {
+        if (!wanted.isEmpty() && QFileInfo(lost.drawing).absoluteFilePath() != wanted)
+            continue;
+        const QString name = lost.drawing.isEmpty() ? QStringLiteral("A drawing without name") : lost.drawing;
+        const auto answer = platform::MessageBoxW(
+            this,
+            QStringLiteral(
+                "%1 had changes that were not saved when the program ended. There is a copy of %2. "
+                "Open it? (No removes the copy.)")
+                .arg(name, lost.time.toString(QStringLiteral("yyyy-MM-dd HH:mm"))),
+            QStringLiteral("Verdelis"), platform::MessageBoxButtons::YesNoCancel,
+            platform::MessageBoxIcon::Question);
+        if (answer == platform::MessageBoxAnswer::Cancel)
+            continue;
+        if (answer == platform::MessageBoxAnswer::Yes) {
+            if (!openDrawing(lost.copy))
+                continue;
+            KcApDocument* document = kcDocManagerPtr()->curDocument();
+            document->database().setFileName(lost.drawing);
+            document->markUnsaved();
+            // The new copy is there before the old one goes.
+            m_autosave.check(true);
+            if (const auto failure = m_autosave.recovery().finished(true); failure && !failure->isEmpty()) {
+                kcedSay(*failure);
+                return true;
+            }
+            updateTitle();
+        }
+        KcUiRecovery::remove(lost);
+        if (answer == platform::MessageBoxAnswer::Yes)
+            return true;
+    }
+    return false;
+}
+
 // Progress.
 
 void KcUiMainWindow::makeStatusBar()
@@ -312,6 +295,14 @@ void KcUiMainWindow::makeStatusBar()
     m_cancelProgress->hide();
     QObject::connect(m_cancelProgress, &QToolButton::clicked, this, [this] { m_cancelled = true; });
     statusBar()->addWidget(m_coordinates);
+    for (QAction* action : { m_aids->snap(), m_aids->ortho(), m_aids->polar() }) {
+        auto* button = new QToolButton(this);
+        button->setObjectName(action->objectName() + QStringLiteral("Button"));
+        button->setDefaultAction(action);
+        button->setAutoRaise(true);
+        button->setFocusPolicy(Qt::NoFocus);
+        statusBar()->addPermanentWidget(button);
+    }
     statusBar()->addPermanentWidget(m_progress);
     statusBar()->addPermanentWidget(m_cancelProgress);
 }
@@ -378,8 +369,15 @@ void KcUiMainWindow::updateTabs()
         }
 }
 
-void KcUiMainWindow::rememberRecent(const QString& path)
+void KcUiMainWindow::rememberRecent()
 {
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    const QString path = document ? document->database().fileName() : QString();
+    if (path == m_recent)
+        return;
+    m_recent = path;
+    if (path.isEmpty())
+        return;
     constexpr int kRecent = 9;
     QSettings settings;
     QStringList recent = settings.value(QStringLiteral("window/recent")).toStringList();

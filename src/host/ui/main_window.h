@@ -3,12 +3,14 @@
 
 #include "ed/documents.h"
 #include "ed/status_bar.h"
+#include "ui/autosave.h"
 #include "ui/window_source.h"
 
 #include <QMainWindow>
 
 class KcUiCanvas;
 class KcUiCommandLine;
+class KcUiDraftingAids;
 class KcUiLayerPanel;
 class KcUiPropertyPanel;
 class QLabel;
@@ -26,14 +28,18 @@ public:
     KcUiWindowSource& source() { return m_source; }
     KcUiCanvas& canvas() { return *m_canvas; }
 
-    /// Opens a drawing in the place of the current one. False, with the message given, when it cannot be
-    /// read; the current one stays then.
+    /// Opens a drawing in the place of the current one; see ed/document_files.h for this and what follows.
     bool openDrawing(const QString& path);
     /// Begins an empty drawing in the place of the current one.
     void newDrawing();
     /// Saves under the drawing's own name, or asks for one. False when that failed or was cancelled.
     bool save();
     bool saveAs();
+
+    /// Offers what a program that ended badly has left: of that drawing, or of any when it is empty. True
+    /// when the user took a copy; it is the current drawing then, unsaved.
+    bool offerLostWork(const QString& drawing);
+    KcUiAutosave& autosave() { return m_autosave; }
 
     /// Asks whether changes shall be saved, where there are any; true when the drawing may go.
     bool mayDiscard();
@@ -56,8 +62,11 @@ private:
     void runCommand(const QString& name);
     void showDocument();
     void updateTitle();
-    void rememberRecent(const QString& path);
+    void rememberRecent();
     void fillRecentMenu();
+    void fillAutosaveMenu(QMenu& menu);
+    void growHistory();
+    void help();
     void applyTheme(bool dark);
     void updateTabs();
 
@@ -66,11 +75,14 @@ private:
     KcUiCommandLine* m_commandLine;
     KcUiLayerPanel* m_layers = nullptr;
     KcUiPropertyPanel* m_properties = nullptr;
+    KcUiDraftingAids* m_aids;
+    KcUiAutosave m_autosave;
     QLabel* m_coordinates;
     QProgressBar* m_progress;
     QToolButton* m_cancelProgress;
     QTabBar* m_tabs;
     QMenu* m_recentMenu = nullptr;
+    QString m_recent; ///< the drawing remembered last
     bool m_cancelled = false;
     bool m_closing = false;
     bool m_tracking = false; ///< the prompt shown last follows the cursor

@@ -2,19 +2,21 @@
 
 #include "ed/activity.h"
 #include "ed/command_stack.h"
+#include "ed/console.h"
+#include "ed/document_files.h"
 #include "ui/canvas.h"
 #include "ui/command_line.h"
+#include "ui/drafting_aids.h"
 #include "ui/main_window.h"
+#include "widgets/theme.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QApplication>
-#include <QFileDialog>
+#include <QDockWidget>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPalette>
 #include <QSettings>
-#include <QStyle>
-#include <QStyleFactory>
 #include <QToolBar>
 
 namespace {
@@ -191,10 +193,9 @@ void KcUiMainWindow::makeMenus()
             if (!mayDiscard())
                 return;
             KcApDocument* document = kcDocManagerPtr()->curDocument();
-            const QString path = QFileDialog::getOpenFileName(
-                this, QStringLiteral("Open a drawing"),
-                document ? document->database().fileName() : QString(),
-                QStringLiteral("Drawings (*.dxf *.DXF);;All files (*)"));
+            const QString path = kcedAskDrawingFile(
+                QStringLiteral("Open a drawing"), true,
+                document ? document->database().fileName() : QString());
             if (!path.isEmpty())
                 openDrawing(path);
         });
@@ -209,6 +210,7 @@ void KcUiMainWindow::makeMenus()
     if (kcedCommandStack().lookup(QStringLiteral("PLOT")))
         add(file, QStringLiteral("&Plot…"), QKeySequence::Print,
             [this] { runCommand(QStringLiteral("PLOT")); });
+    fillAutosaveMenu(*file->addMenu(QStringLiteral("Copies of &unsaved work")));
     file->addSeparator();
     add(file, QStringLiteral("&Quit"), QKeySequence::Quit, [this] { close(); });
 
@@ -239,6 +241,10 @@ void KcUiMainWindow::makeMenus()
     dark->setCheckable(true);
     dark->setChecked(QSettings().value(QStringLiteral("window/dark"), true).toBool());
     QObject::connect(dark, &QAction::toggled, this, [this](bool on) { applyTheme(on); });
+    m_aids->addTo(*view->addMenu(QStringLiteral("&Snaps and tracking")));
+    add(view, QStringLiteral("Command &history"), Qt::Key_F2, [this] { growHistory(); });
+    add(view, QStringLiteral("&Manual"), QKeySequence::HelpContents, [this] { help(); });
+    view->addSeparator();
     QMenu* panels = createPopupMenu();
     panels->setTitle(QStringLiteral("P&anels"));
     view->addMenu(panels);
@@ -264,28 +270,38 @@ void KcUiMainWindow::applyTheme(bool dark)
 {
     QSettings().setValue(QStringLiteral("window/dark"), dark);
     m_canvas->setDark(dark);
-    QPalette palette;
-    if (dark) {
-        const QColor base(37, 41, 46), window(50, 55, 61), text(226, 229, 232), faint(130, 137, 145);
-        palette = QPalette(text, window, window.lighter(140), base, faint, text, base);
-        palette.setColor(QPalette::Window, window);
-        palette.setColor(QPalette::Button, window);
-        palette.setColor(QPalette::Base, base);
-        palette.setColor(QPalette::AlternateBase, QColor(44, 48, 54));
-        palette.setColor(QPalette::WindowText, text);
-        palette.setColor(QPalette::Text, text);
-        palette.setColor(QPalette::ButtonText, text);
-        palette.setColor(QPalette::BrightText, Qt::white);
-        palette.setColor(QPalette::ToolTipBase, base);
-        palette.setColor(QPalette::ToolTipText, text);
-        palette.setColor(QPalette::PlaceholderText, faint);
-        palette.setColor(QPalette::Highlight, QColor(58, 110, 165));
-        palette.setColor(QPalette::HighlightedText, Qt::white);
-        palette.setColor(QPalette::Link, QColor(110, 170, 240));
-        for (const QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
-            palette.setColor(QPalette::Disabled, role, faint);
-    } else {
-        palette = QApplication::style()->standardPalette();
+    kcuiSetTheme(dark ? KcUiTheme::Dark : KcUiTheme::Light);
+}
+
+void KcUiMainWindow::fillAutosaveMenu(QMenu& menu)
+{
+    auto* choices = new QActionGroup(&menu);
+    for (const int minutes : { 0, 1, 2, 5, 10, 20 }) {
+        QAction* action = menu.addAction(
+            minutes == 0 ? QStringLiteral("Never") : QStringLiteral("Every %1 min").arg(minutes));
+        action->setCheckable(true);
+        action->setChecked(KcUiAutosave::minutes() == minutes);
+        choices->addAction(action);
+        QObject::connect(
+            action, &QAction::triggered, this, [this, minutes] { m_autosave.setMinutes(minutes); });
     }
-    QApplication::setPalette(palette);
+}
+
+// Half the window for the history, or back to some rows.
+void KcUiMainWindow::growHistory()
+{
+    auto* dock = findChild<QDockWidget*>(QStringLiteral("commandLineDock"));
+    constexpr int kRows = 8;
+    const int few = fontMetrics().lineSpacing() * kRows;
+    dock->show();
+    resizeDocks({ dock }, { dock->height() > height() / 3 ? few : height() / 2 }, Qt::Vertical);
+}
+
+// The manual belongs to the module; it may be read while a prompt waits.
+void KcUiMainWindow::help()
+{
+    const KcEdCommand* command = kcedCommandStack().lookup(QStringLiteral("VDHELP"));
+    if (!command)
+        return kcedSay(QStringLiteral("The module that brings the manual is not loaded."));
+    kcedRequest(KcEdWish::Look, [command] { kcedCommandStack().run(*command); });
 }

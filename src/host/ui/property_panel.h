@@ -6,7 +6,10 @@
 #include <QTimer>
 #include <QWidget>
 
+class CKcUiColorComboBox;
 class KcApDocument;
+class KcDbEntity;
+class QComboBox;
 class QJsonValue;
 class QTreeWidget;
 class QTreeWidgetItem;
@@ -20,9 +23,18 @@ public:
 
 private:
     void fill();
+    void fillChoices();
+    void showCommon(const std::vector<KcDbObjectId>& ids);
+    void addLinks(const KcDbEntity& entity);
+    /// Changes every selected entity that is not on a locked layer, as one undo step.
+    void change(std::function<void(KcDbEntity&)> setting);
     void addValue(QTreeWidgetItem* parent, const QString& name, const QJsonValue& value);
 
     KcApDocument* m_document = nullptr;
+    QWidget* m_common; ///< what every entity has, and can be changed here
+    QComboBox* m_layer;
+    CKcUiColorComboBox* m_color;
+    QComboBox* m_linetype;
     QTreeWidget* m_tree;
     QTimer m_timer;
     std::vector<KcDbObjectId> m_shown;

@@ -1,0 +1,20 @@
+// Dragging selected entities by their grips.
+#pragma once
+
+#include "db/object_id.h"
+#include "ge/point.h"
+
+#include <vector>
+
+class KcApDocument;
+
+/// The grip of that number of an entity; see `kcedGripPoints`.
+struct KcEdGrip {
+    KcDbObjectId entity;
+    size_t index = 0;
+};
+
+/// Asks where grips that lie at one point, world coordinates, shall go, showing what would become of their
+/// entities, and moves them: one undo step. Entities on locked layers stay, and that is said; a cancel
+/// changes nothing. For when no command runs.
+void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, KcGePoint3d from);

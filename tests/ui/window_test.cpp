@@ -1,0 +1,199 @@
+// The window as a whole: commands typed and chosen, work that is not saved, panels, copies for a crash.
+#include "hand.h"
+
+#include "db/table.h"
+#include "dxf/drawing_file.h"
+#include "ed/input.h"
+#include "ui/recovery.h"
+
+#include <QComboBox>
+#include <QTemporaryDir>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using ui_test::Hand;
+
+namespace {
+
+const QString plan = QStringLiteral(VERDELIS_SOURCE_DIR "/examples/planting-plan.dxf");
+
+size_t tables(KcDbDatabase& database)
+{
+    size_t count = 0;
+    for (const KcDbObjectId id : *KcDbRead<KcDbBlockTableRecord>(database.modelSpace()))
+        if (const KcDbRead<KcDbEntity> entity(id); entity && entity->isKindOf(KcDbTable::desc()))
+            ++count;
+    return count;
+}
+
+} // namespace
+
+// The plant count as a landscape architect makes it: typed, selected with a window, placed with a click.
+TEST_F(Hand, CountsPlantsOfTheExamplePlan)
+{
+    ASSERT_TRUE(window.openDrawing(plan));
+    canvas().zoomExtents();
+    run({
+        [&] { type("treenumtotable\r"); },
+        [&] { drag(3000, 3000, 119500, 82500); },
+        [&] { press(Qt::Key_Return); },
+        [&] { click(122000, 82000); },
+        [&] {
+            EXPECT_EQ(tables(database()), 1u) << history();
+            EXPECT_TRUE(window.isWindowModified());
+            action(window, "Undo").trigger();
+        },
+        [&] {
+            EXPECT_EQ(tables(database()), 0u);
+            action(window, "Redo").trigger();
+        },
+        [&] { EXPECT_EQ(tables(database()), 1u); },
+    });
+}
+
+// A menu chosen while a command asks: the command is cancelled first, then the other one runs.
+TEST_F(Hand, MenusCancelWhatWaits)
+{
+    KcEdStatus status = kcedNormal;
+    addLine(0, 0, 10, 10);
+    command([&] {
+        KcGePoint3d point;
+        status = kcedGetPoint(nullptr, QStringLiteral("\nPoint: "), point);
+    });
+    run({
+        [&] { type("TESTED\r"); },
+        [&] {
+            EXPECT_EQ(window.source().waiting()->kind, KcEdPrompt::Kind::Point);
+            // Looking goes on beside the prompt.
+            action(window, "Zoom in").trigger();
+            EXPECT_EQ(window.source().waiting()->kind, KcEdPrompt::Kind::Point);
+            action(window, "Undo").trigger();
+        },
+        [&] {
+            EXPECT_EQ(status, kcedCancel);
+            EXPECT_FALSE(database().undo().canUndo());
+        },
+    });
+}
+
+// Blank and Enter answer, and repeat the last command where there is nothing to answer; coordinates are typed
+// as points, from the last point, and by angle.
+TEST_F(Hand, TypedAnswers)
+{
+    std::vector<KcGePoint3d> points;
+    command([&] {
+        KcGePoint3d point;
+        while (kcedGetPoint(points.empty() ? nullptr : &points.back(), QStringLiteral("\nPoint: "), point)
+               == kcedNormal)
+            points.push_back(point);
+    });
+    run({
+        [&] { type("tested "); },
+        [&] { type("10,20 "); },
+        [&] { type("@5,0 "); },
+        [&] { type("@10<90\r"); },
+        [&] { press(Qt::Key_Return); },
+        [&] {
+            ASSERT_EQ(points.size(), 3u);
+            EXPECT_TRUE(points[0].isEqualTo({ 10, 20, 0 }));
+            EXPECT_TRUE(points[1].isEqualTo({ 15, 20, 0 }));
+            EXPECT_TRUE(points[2].isEqualTo({ 15, 30, 0 }));
+            EXPECT_EQ(window.source().waiting()->kind, KcEdPrompt::Kind::Command);
+            press(Qt::Key_Space);
+        },
+        [&] {
+            EXPECT_EQ(window.source().waiting()->kind, KcEdPrompt::Kind::Point);
+            press(Qt::Key_Escape);
+        },
+    });
+}
+
+// Faults: a question that is not asked, a cancel that closes all the same, a save that goes elsewhere.
+TEST_F(Hand, AsksBeforeUnsavedWorkIsLost)
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath("work.dxf");
+    ASSERT_TRUE(dxf::saveDrawing(database(), path).ok);
+    ASSERT_TRUE(window.openDrawing(path));
+    EXPECT_FALSE(document().isModified());
+    addLine(0, 0, 10, 10);
+    run({
+        [&] { window.close(); },
+        [&] { answer(QMessageBox::Cancel); },
+        [&] {
+            EXPECT_TRUE(window.isVisible());
+            EXPECT_TRUE(document().isModified());
+            window.close();
+        },
+        [&] { answer(QMessageBox::Yes); },
+    });
+    EXPECT_FALSE(window.isVisible());
+    KcDbDatabase saved(KcDbDatabase::Content::kEmpty);
+    ASSERT_TRUE(dxf::readDrawing(path, saved).ok);
+    EXPECT_NE(
+        KcDbRead<KcDbBlockTableRecord>(saved.modelSpace())->begin(),
+        KcDbRead<KcDbBlockTableRecord>(saved.modelSpace())->end());
+}
+
+TEST_F(Hand, ThePropertyPanelChangesTheSelectionInOneStep)
+{
+    const KcDbObjectId a = addLine(20, 20, 40, 20), b = addLine(20, 30, 40, 30);
+    auto garden = std::make_unique<KcDbLayerTableRecord>();
+    garden->initName(QStringLiteral("garden"));
+    KcDbWrite<KcDbSymbolTable>(database().layerTable())->add(std::move(garden));
+    auto* panel = window.findChild<QWidget*>(QStringLiteral("propertyPanelDock"));
+    panel->raise();
+    auto* layers = window.findChild<QComboBox*>(QStringLiteral("selectionLayer"));
+    const auto layerOf = [](KcDbObjectId id) { return KcDbRead<KcDbEntity>(id)->layer(); };
+    run({
+        [&] { drag(10, 10, 60, 40); },
+        [&] { QTest::qWait(1); },
+        [&] {
+            ASSERT_GE(layers->findText("garden"), 0);
+            EXPECT_EQ(layers->currentText(), "0");
+            layers->setCurrentText("garden");
+            emit layers->textActivated("garden");
+        },
+        [&] {
+            EXPECT_EQ(layerOf(a), "garden");
+            EXPECT_EQ(layerOf(b), "garden");
+            type("U\r");
+        },
+        [&] {
+            EXPECT_EQ(layerOf(a), "0");
+            EXPECT_EQ(layerOf(b), "0");
+        },
+    });
+}
+
+// A process that ends without closing leaves its copy; one that closes leaves none; one that runs is let be.
+TEST_F(Hand, WorkIsFoundAgainAfterACrash)
+{
+    QTemporaryDir folder;
+    addLine(1, 2, 3, 4);
+    const pid_t crashing = ::fork();
+    if (crashing == 0) {
+        KcUiRecovery recovery(folder.path());
+        const bool ok = recovery.begin(database()).ok() && recovery.finished(true) == QString();
+        ::_exit(ok ? 0 : 1); // nothing is tidied up
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(crashing, &status, 0), crashing);
+    ASSERT_EQ(status, 0);
+
+    KcUiRecovery running(folder.path()), other(folder.path());
+    ASSERT_TRUE(running.begin(database()));
+    ASSERT_EQ(running.finished(true), QString());
+    {
+        const auto lost = other.lost();
+        ASSERT_EQ(lost.size(), 1u);
+        EXPECT_TRUE(KcUiRecovery(folder.path()).lost().empty()) << "offered twice";
+        KcDbDatabase found(KcDbDatabase::Content::kEmpty);
+        ASSERT_TRUE(dxf::readDrawing(lost.front().copy, found).ok);
+        KcUiRecovery::remove(lost.front());
+    }
+    EXPECT_TRUE(other.lost().empty());
+    running.discard();
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
