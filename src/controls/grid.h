@@ -387,6 +387,8 @@ private:
     std::unique_ptr<CSCellCtrl> m_editor;
     CSGridCell* m_editedCell = nullptr;
     bool m_active = false;
+    /// True while a key goes on with the word that type-ahead looks for.
+    bool IsTyping() const;
     QString m_typed;
     QElapsedTimer m_typedAt;
     std::unique_ptr<GridHeader> m_header;

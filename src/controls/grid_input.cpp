@@ -43,6 +43,11 @@ void CSGrid::mouseDoubleClickEvent(QMouseEvent* event)
         OnDblClick(*GetCell(row, column));
 }
 
+bool CSGrid::IsTyping() const
+{
+    return !m_typed.isEmpty() && m_typedAt.isValid() && m_typedAt.elapsed() < kTypingPause;
+}
+
 void CSGrid::PressCell(QMouseEvent& event)
 {
     if (!FocusIsInside())
@@ -54,7 +59,8 @@ void CSGrid::PressCell(QMouseEvent& event)
         UnSelect();
         return;
     }
-    const bool onBox = FoldBoxRect(row).adjusted(-2, -2, 2, 2).contains(event.pos()) && column == 0;
+    const QRect box = FoldBoxRect(row); // empty for rows without children
+    const bool onBox = column == 0 && !box.isEmpty() && box.adjusted(-2, -2, 2, 2).contains(event.pos());
     CSGridRow* pressed = GetRow(row);
     // What was typed counts before anything else is asked; it may change what the row is.
     if (m_editedCell && m_editedCell != GetCell(row, column))
@@ -151,7 +157,7 @@ void CSGrid::keyPressEvent(QKeyEvent* event)
         row->UnFold();
     } else if (row && key == Qt::Key_Minus) {
         row->Fold();
-    } else if (key == Qt::Key_F2 || (key == Qt::Key_Space && m_typed.isEmpty())) {
+    } else if (key == Qt::Key_F2 || (key == Qt::Key_Space && !IsTyping())) {
         // F2 edits the cell clicked last or the first that can be; the blank ticks.
         int column = m_activeColumn;
         CSGridCell* cell = GetCell(m_selectedItem, column);
@@ -172,7 +178,7 @@ bool CSGrid::TypeAhead(const QString& text)
 {
     if (text.isEmpty() || !text[0].isPrint() || IsEmpty() || GetColumnCount() == 0)
         return false;
-    const bool goesOn = m_typedAt.isValid() && m_typedAt.elapsed() < kTypingPause && !m_typed.isEmpty();
+    const bool goesOn = IsTyping();
     const int from = std::max(m_selectedItem, 0) + (goesOn || m_selectedItem < 0 ? 0 : 1);
     m_typed = goesOn ? m_typed + text : text;
     m_typedAt.start();

@@ -293,3 +293,15 @@ TEST(GridCommands, BlocksAsText)
 }
 
 } // namespace
+
+// A leaf has no box to fold it by; its top left corner is a place like any other.
+TEST(GridInput, AClickInTheCornerOfALeafFoldsNothing)
+{
+    for (const int tree : { 0, 1 }) {
+        NotingGrid grid(3, tree);
+        grid.display();
+        QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, { 1, 1 }); // (0, 0) would mean the middle
+        EXPECT_EQ(grid.GetSelectedItem(), 0);
+        EXPECT_EQ(grid.GetRowCount(), 3);
+    }
+}
