@@ -88,6 +88,7 @@ int main(int argc, char** argv)
     }
     qInstallMessageHandler(passOn);
     QApplication application(argc, argv);
+    application.setOrganizationName(QStringLiteral("verdelis")); // the folder of the settings
     application.setApplicationName(QStringLiteral("verdelis"));
     kcuiSetTheme(kcuiThemeOfEnvironment());
     return runSubCommand(application.arguments().mid(1));

@@ -19,6 +19,7 @@ public:
         qputenv("XDG_STATE_HOME", m_home.filePath("state").toLocal8Bit());
         qputenv("VERDELIS_ROOT", m_home.filePath("root").toLocal8Bit());
         m_application = std::make_unique<QApplication>(m_count, m_arguments);
+        m_application->setOrganizationName(QStringLiteral("verdelis"));
         m_application->setApplicationName(QStringLiteral("verdelis"));
         m_application->setQuitOnLastWindowClosed(false);
         ASSERT_TRUE(platform::prepareAppRoot());

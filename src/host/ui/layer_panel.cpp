@@ -13,6 +13,7 @@
 
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QPainter>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -24,6 +25,9 @@ QIcon swatch(const KcCmColor& color)
 {
     QPixmap picture(14, 14);
     picture.fill(QColor::fromRgb(color.rgb >= 0 ? QRgb(color.rgb) : kcgiIndexColor(color.index)));
+    QPainter painter(&picture);
+    painter.setPen(Qt::gray); // white ones are seen on white, too
+    painter.drawRect(picture.rect().adjusted(0, 0, -1, -1));
     return picture;
 }
 

@@ -23,6 +23,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QProgressBar>
+#include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTabBar>
@@ -95,7 +96,9 @@ KcUiMainWindow::KcUiMainWindow()
     });
 
     QSettings settings;
-    resize(1280, 860);
+    // Not larger than the screen: at a scale of two that is soon reached.
+    constexpr double kOfScreen = 0.9;
+    resize(QSize(1280, 860).boundedTo(screen()->availableSize() * kOfScreen));
     constexpr int kCommandRows = 6;
     resizeDocks({ dock }, { fontMetrics().lineSpacing() * (kCommandRows + 2) }, Qt::Vertical);
     restoreGeometry(settings.value(QStringLiteral("window/geometry")).toByteArray());
