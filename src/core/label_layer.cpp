@@ -5,17 +5,18 @@
 #include "core/application.h"
 #include "core/drawing_config.h"
 #include "core/layers.h"
+#include "core/tags.h"
 
 QString labelLayer(const QString& tag, const QString& plantLayer, KcDbDatabase* database)
 {
     QString chosen;
-    if (tag == u"6") {
+    if (tag == tags::kind::treeLabel) {
         if (GetVerdelis(QStringLiteral("bTreeDimLayer")) != 0 && GetTreeDimLayer(chosen, database)
             && !chosen.isEmpty())
             return chosen;
         return plantLayer + QStringLiteral("-标注");
     }
-    if (tag == u"7") {
+    if (tag == tags::kind::areaLabel) {
         if (GetVerdelis(QStringLiteral("bAreaDimLayer")) != 0 && GetAreaDimLayer(chosen, database)
             && !chosen.isEmpty())
             return chosen;

@@ -23,6 +23,7 @@ constexpr CommandRow table[] = {
     { u"CLOUDLINE", drawCloudLine, 2, "draw a cloud outline" },
     { u"CIRCLES", drawTreeArray, 2, "fill a cloud with a regular tree array" },
     { u"FOREST", drawForest, 2, "draw the edge of a coniferous forest along a cloud" },
+    { u"DIMCIRCLES", labelTreeArray, 2, "label a tree array" },
     { u"VDLABOUT", showAbout, 2, "say which product and version this is" },
 };
 

@@ -9,3 +9,5 @@ void drawCloudLine();
 void drawTreeArray();
 /// FOREST: draws the edge of a coniferous forest along a cloud outline.
 void drawForest();
+/// DIMCIRCLES: labels a tree array with its name, the number of trees and their spacing.
+void labelTreeArray();

@@ -7,7 +7,7 @@
 #include "core/prompts.h"
 #include "ed/console.h"
 #include "ed/documents.h"
-#include "frame/entity_tags.h"
+#include "core/tags.h"
 #include "frame/module.h"
 #include "statistics/plant_count.h"
 #include "statistics/tree_table.h"

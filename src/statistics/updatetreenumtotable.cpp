@@ -6,7 +6,7 @@
 #include "core/prompts.h"
 #include "ed/console.h"
 #include "ed/documents.h"
-#include "frame/entity_tags.h"
+#include "core/tags.h"
 #include "frame/module.h"
 #include "statistics/tree_table.h"
 

@@ -14,6 +14,7 @@ namespace {
 struct Walk {
     QString command;
     QStringList answers;
+    QStringList preparation; ///< what must be in the drawing first
 };
 
 const std::vector<Walk>& walks()
@@ -69,6 +70,10 @@ const std::vector<Walk>& walks()
         { "BLOCKARRAY", { "#3D7", "500", "71000,50000", "D", "D", "3000", "", "#476 #47D", "", "0,0" } },
         { "CIRCLES", { "#3D5" } },
         { "FOREST", { "#3D5" } },
+        { "DIMCIRCLES",
+          { "", "", "70000,40000", "@30000,30000", "@10000,0", "", "NAME" },
+          { "ERASE", "ALL", "", "CLOUDLINE", "40000,20000", "100000,20000", "100000,60000", "40000,60000", "",
+            "CIRCLES", "70000,20000" } },
         { "TREENUMTOTABLE", { "D", "B", "ALL", "", "0,0" } },
         { "UPDATETREENUMTOTABLE", { "D", "B", "ALL", "", "ALL", "" } },
     };
@@ -129,9 +134,13 @@ protected:
         const qsizetype at = outcome.out.lastIndexOf("Command: REGEN\n");
         return at < 0 ? "no answer: " + outcome.out : outcome.out.mid(at);
     }
-    Outcome playAndAsk(const QStringList& lines)
+    Outcome playAndAsk(const QStringList& lines, const QString& drawing)
     {
-        return play(plan, lines + QStringList{ "REGEN" } + askVariables());
+        return play(drawing, lines + QStringList{ "REGEN" } + askVariables());
+    }
+    QString drawingFor(const Walk& walk)
+    {
+        return walk.preparation.isEmpty() ? plan : prepared(plan, walk.preparation);
     }
 };
 
@@ -153,11 +162,12 @@ TEST_F(Cancelling, EveryCommandIsWalkedThrough)
 
 TEST_F(Cancelling, CostsNothingAtAnyPrompt)
 {
-    const QString before = variables(playAndAsk({}));
-    const QByteArray stored = settings();
-    ASSERT_TRUE(before.contains("CLAYER")) << before;
-    ASSERT_FALSE(stored.isEmpty());
-    for (const Walk& walk : walks())
+    for (const Walk& walk : walks()) {
+        const QString drawing = drawingFor(walk);
+        const QString before = variables(playAndAsk({}, drawing));
+        const QByteArray stored = settings();
+        ASSERT_TRUE(before.contains("CLAYER")) << before;
+        ASSERT_FALSE(stored.isEmpty());
         for (int behind = 0; behind < walk.answers.size(); ++behind) {
             SCOPED_TRACE(
                 walk.command.toStdString() + " cancelled behind " + std::to_string(behind) + " answers");
@@ -165,13 +175,15 @@ TEST_F(Cancelling, CostsNothingAtAnyPrompt)
             const bool inDialog = walk.answers[behind].startsWith('!');
             const Outcome outcome = playAndAsk(
                 QStringList{ walk.command } + walk.answers.mid(0, behind)
-                + QStringList{ inDialog ? "!cancel" : "^C" });
+                    + QStringList{ inDialog ? "!cancel" : "^C" },
+                drawing);
             EXPECT_EQ(outcome.status, 0) << outcome.err;
             EXPECT_EQ(variables(outcome), before);
             EXPECT_TRUE(settings() == stored);
             if (!keptBy(walk.command, behind))
-                EXPECT_TRUE(bytes(result) == bytes(plan));
+                EXPECT_TRUE(bytes(result) == bytes(drawing));
         }
+    }
 }
 
 // A walk that ends early would cancel at fewer prompts than there are: each must lead to the command's end.
@@ -179,8 +191,8 @@ TEST_F(Cancelling, TheWalksAreComplete)
 {
     for (const Walk& walk : walks()) {
         SCOPED_TRACE(walk.command.toStdString());
-        const Outcome outcome
-            = play(plan, QStringList{ walk.command } + walk.answers + QStringList{ "OSMODE", "" });
+        const Outcome outcome = play(
+            drawingFor(walk), QStringList{ walk.command } + walk.answers + QStringList{ "OSMODE", "" });
         EXPECT_EQ(outcome.status, 0) << outcome.err;
         EXPECT_FALSE(outcome.out.contains("*Cancel*")) << outcome.out;
         EXPECT_EQ(outcome.err, "");

@@ -6,7 +6,7 @@
 #include "core/entity_tags.h"
 #include "db/table.h"
 #include "dxf/drawing_file.h"
-#include "frame/entity_tags.h"
+#include "core/tags.h"
 #include "statistics/table_builder.h"
 
 #include <QProcess>

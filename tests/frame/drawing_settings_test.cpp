@@ -7,7 +7,7 @@
 #include "db/symbol_table.h"
 #include "db/text.h"
 #include "frame/drawing_settings.h"
-#include "frame/entity_tags.h"
+#include "core/tags.h"
 #include "frame/settings.h"
 #include "platform/app_root.h"
 

@@ -2,7 +2,7 @@
 #include "core/entity_tags.h"
 #include "ed/session.h"
 #include "ed/status_bar.h"
-#include "frame/entity_tags.h"
+#include "core/tags.h"
 #include "platform/app_root.h"
 #include "statistics/commands.h"
 #include "statistics/plant_count.h"
