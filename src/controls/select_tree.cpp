@@ -26,7 +26,7 @@ SelTreeItem* CSelTreeCtrl::AddItem(const QString& text, SelTreeItem* parent, uns
     if (parent)
         ++parent->m_childStates[0];
     SetState(*item, std::min(state, unsigned(kChecked)));
-    if (item->m_state != kNoBox)
+    if (item->m_state != kNoBox && ticksTogether())
         TravelSiblingAndParent(item, item->m_state);
     return item;
 }
@@ -104,15 +104,22 @@ void CSelTreeCtrl::Toggle(SelTreeItem& item)
 {
     const unsigned index = item.m_state == kChecked ? kUnchecked : kChecked;
     SetState(item, index);
-    TravelChild(&item, index);
-    TravelSiblingAndParent(&item, index);
+    if (ticksTogether()) {
+        TravelChild(&item, index);
+        TravelSiblingAndParent(&item, index);
+    }
     OnTicked(item);
+}
+
+bool CSelTreeCtrl::canTick(const SelTreeItem* item)
+{
+    return item && item->m_state != kNoBox && !item->isDisabled();
 }
 
 void CSelTreeCtrl::mousePressEvent(QMouseEvent* event)
 {
     if (auto* item = static_cast<SelTreeItem*>(itemAt(event->pos()));
-        item && item->m_state != kNoBox && event->button() == Qt::LeftButton) {
+        canTick(item) && event->button() == Qt::LeftButton) {
         const QModelIndex index = indexFromItem(item, 0);
         QStyleOptionViewItem option;
         initViewItemOption(&option);
@@ -129,7 +136,7 @@ void CSelTreeCtrl::mousePressEvent(QMouseEvent* event)
 void CSelTreeCtrl::keyPressEvent(QKeyEvent* event)
 {
     auto* item = static_cast<SelTreeItem*>(currentItem());
-    if (event->key() != Qt::Key_Space || !item || item->m_state == kNoBox)
+    if (event->key() != Qt::Key_Space || !canTick(item))
         return QTreeWidget::keyPressEvent(event);
     Toggle(*item);
     event->accept();
@@ -175,6 +182,8 @@ QString CSelTreeCtrl::tickItem(const QString& name, bool on)
     SelTreeItem& item = *found.front();
     if (item.m_state == kNoBox)
         return QStringLiteral("The item has no check box.");
+    if (item.isDisabled())
+        return QStringLiteral("The item is greyed: the one above it is not ticked.");
     // A click on an item that is partly ticked ticks it; unticking that takes two.
     if (item.m_state == kPartial && !on)
         Toggle(item);

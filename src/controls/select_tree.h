@@ -52,10 +52,14 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     /// After the user ticked an item.
     virtual void OnTicked(SelTreeItem&) { }
+    /// Whether the state of an item goes up to those above it and down to those below.
+    virtual bool ticksTogether() const { return true; }
 
 private:
     void SetState(SelTreeItem& item, unsigned index);
     void Toggle(SelTreeItem& item);
+    /// Whether the user may tick an item: it has a check box and is not greyed.
+    static bool canTick(const SelTreeItem* item);
 };
 
 /// The same for the dialogs that choose symbols.

@@ -33,6 +33,7 @@ void CTreeListCtrl::SetColumns(const QStringList& headers, const QList<int>& wid
 {
     setColumnCount(int(headers.size()));
     setHeaderLabels(headers);
+    header()->setStretchLastSection(false);
     for (int column = 0; column < int(widths.size()); ++column)
         setColumnWidth(column, widths[column]);
 }
@@ -49,4 +50,16 @@ SelTreeItem* CTreeListCtrl::FindItem(quintptr data) const
         if (auto* item = static_cast<SelTreeItem*>(*walk); GetItemData(item) == data)
             return item;
     return nullptr;
+}
+
+void CTreeListCtrl::OnTicked(SelTreeItem& item)
+{
+    for (int place = 0; place < item.childCount(); ++place)
+        item.child(place)->setDisabled(GetSelState(&item) == kUnchecked);
+}
+
+void CTreeListCtrl::ShowWhatCounts()
+{
+    for (QTreeWidgetItemIterator walk(this); *walk; ++walk)
+        OnTicked(static_cast<SelTreeItem&>(**walk));
 }

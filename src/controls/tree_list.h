@@ -1,4 +1,5 @@
-// A tree with check boxes beside a column of texts that are edited in place.
+// A tree with check boxes beside a column of texts that are edited in place. Each item is ticked by itself;
+// what is below one that is not ticked is greyed.
 #pragma once
 
 #include "controls/select_tree.h"
@@ -13,4 +14,10 @@ public:
     void SetItemValue(SelTreeItem& item, const QString& value);
     QString GetItemValue(const SelTreeItem& item) const { return item.text(1); }
     SelTreeItem* FindItem(quintptr data) const;
+    /// Greys what is below items that are not ticked, as ticking by hand does.
+    void ShowWhatCounts();
+
+protected:
+    void OnTicked(SelTreeItem& item) override;
+    bool ticksTogether() const override { return false; }
 };

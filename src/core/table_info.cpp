@@ -53,12 +53,9 @@ void collectNames(const Item& item, QStringList& names)
     }
 }
 
-std::optional<std::vector<Item>> readLayout()
+std::optional<std::vector<Item>> readLayout(const QString& text)
 {
-    const std::optional<QString> text = readSystemDocument(layoutDocument);
-    if (!text)
-        return std::nullopt;
-    QXmlStreamReader xml(*text);
+    QXmlStreamReader xml(text);
     std::vector<Item> tables;
     if (xml.readNextStartElement())
         while (xml.readNextStartElement()) {
@@ -95,7 +92,13 @@ void CTbInfoStd::Set(const QString& key, const STbInfoDesc& desc)
 
 std::optional<std::vector<CTbInfoStd>> loadTableInfo()
 {
-    const std::optional<std::vector<Item>> layout = readLayout();
+    const std::optional<QString> text = readSystemDocument(layoutDocument);
+    return text ? tableInfoIn(*text) : std::nullopt;
+}
+
+std::optional<std::vector<CTbInfoStd>> tableInfoIn(const QString& document)
+{
+    const std::optional<std::vector<Item>> layout = readLayout(document);
     if (!layout)
         return std::nullopt;
     std::vector<CTbInfoStd> tables;
@@ -109,7 +112,8 @@ std::optional<std::vector<CTbInfoStd>> loadTableInfo()
 bool GetVDLTbInfoAllName(const QString& table, QStringList& names)
 {
     names.clear();
-    const std::optional<std::vector<Item>> layout = readLayout();
+    const std::optional<QString> text = readSystemDocument(layoutDocument);
+    const std::optional<std::vector<Item>> layout = text ? readLayout(*text) : std::nullopt;
     if (!layout)
         return false;
     const auto found

@@ -43,6 +43,9 @@ private:
     std::vector<Entry> m_entries;
 };
 
+/// All tables of a layout document's text; nothing when it is damaged, which is named through the diagnostics.
+std::optional<std::vector<CTbInfoStd>> tableInfoIn(const QString& document);
+
 /// All tables of the layout document. Nothing when it is missing or damaged; the latter is named through the
 /// diagnostics. A column is visible unless its "Check" is "0".
 std::optional<std::vector<CTbInfoStd>> loadTableInfo();

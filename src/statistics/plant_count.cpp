@@ -7,8 +7,8 @@
 #include "core/draw.h"
 #include "core/entity_tags.h"
 #include "core/label_parse.h"
-#include "core/text.h"
 #include "core/tags.h"
+#include "core/text.h"
 #include "frame/split.h"
 #include "statistics/long_work.h"
 

@@ -8,9 +8,9 @@
 #include "core/tables.h"
 #include "ed/console.h"
 #include "ed/documents.h"
-#include "exchange/markup_document.h"
 #include "frame/settings.h"
 #include "platform/result.h"
+#include "statistics/table_layout.h"
 
 namespace {
 
@@ -27,19 +27,13 @@ constexpr double margins = 0.18;
 constexpr int middleCentre = 5;
 constexpr int contentLocked = 2;
 
-QString nameOfElement(MarkupDocument& document)
-{
-    document.ResetChildPos();
-    return document.FindChildElem(QStringLiteral("Name")) ? document.GetChildData() : QString();
-}
-
 // The items below the current element that the drawing shows. Names of items are exact.
 std::vector<TableColumn> shownItems(MarkupDocument& document, const CTbInfoStd& shown)
 {
     std::vector<TableColumn> columns;
     document.IntoElem();
     while (document.FindElem(QStringLiteral("Item"))) {
-        const QString name = nameOfElement(document);
+        const QString name = childText(document, QStringLiteral("Name"));
         const STbInfoDesc* description = shown.FindByName(name);
         if (description && description->visible)
             columns.push_back({ name, description->text, shownItems(document, shown) });
@@ -57,16 +51,12 @@ platform::Result<TableLayout> readLayout(const QString& tableName)
     if (!title)
         return Result::failure(QStringLiteral("没有“%1”的表头信息，未生成统计表。").arg(tableName));
 
-    MarkupDocument document;
-    const QString path = GetAppRoot() + QStringLiteral("Sys/VDLTbInfo.xml");
-    if (!document.Load(path))
-        return Result::failure(QStringLiteral("表格布局文件%1无法读取，未生成统计表。").arg(path));
-    document.FindElem();
-    document.IntoElem();
-    while (document.FindElem(QStringLiteral("Table")))
-        if (nameOfElement(document) == tableName)
-            return { TableLayout{ title->text, shownItems(document, *shown) }, {} };
-    return Result::failure(QStringLiteral("表格布局文件%1中没有“%2”，未生成统计表。").arg(path, tableName));
+    platform::Result<MarkupDocument> layout = loadTableLayout();
+    if (!layout)
+        return Result::failure(layout.error + QStringLiteral("未生成统计表。"));
+    if (!findTable(*layout, tableName))
+        return Result::failure(QStringLiteral("表格布局文件中没有“%1”，未生成统计表。").arg(tableName));
+    return { TableLayout{ title->text, shownItems(*layout, *shown) }, {} };
 }
 
 bool sameText(const KcDbTable& table, int rowA, int rowB, int column)

@@ -4,9 +4,9 @@
 
 #include "core/entity_tags.h"
 #include "core/prompts.h"
+#include "core/tags.h"
 #include "ed/console.h"
 #include "ed/documents.h"
-#include "core/tags.h"
 #include "frame/module.h"
 #include "statistics/tree_table.h"
 

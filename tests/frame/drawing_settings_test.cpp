@@ -2,12 +2,12 @@
 #include "core/drawing_config.h"
 #include "core/label_layer.h"
 #include "core/layers.h"
+#include "core/tags.h"
 #include "db/block_table_record.h"
 #include "db/database.h"
 #include "db/symbol_table.h"
 #include "db/text.h"
 #include "frame/drawing_settings.h"
-#include "core/tags.h"
 #include "frame/settings.h"
 #include "platform/app_root.h"
 

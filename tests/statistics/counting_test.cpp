@@ -1,8 +1,8 @@
 // Counting plants from symbols and labels, and filling and updating tables with the counts.
 #include "core/entity_tags.h"
+#include "core/tags.h"
 #include "ed/session.h"
 #include "ed/status_bar.h"
-#include "core/tags.h"
 #include "platform/app_root.h"
 #include "statistics/commands.h"
 #include "statistics/plant_count.h"

@@ -40,9 +40,7 @@ public:
         : m_view(view)
         , m_header(headerOf(view))
     {
-        for (int row = 0; row < model().rowCount(view.rootIndex()); ++row)
-            if (const auto* table = qobject_cast<QTableView*>(&view); !table || !table->isRowHidden(row))
-                m_rows.push_back(row);
+        collectRows(view.rootIndex());
         for (int visual = 0; visual < model().columnCount(view.rootIndex()); ++visual) {
             const int logical = m_header ? m_header->logicalIndex(visual) : visual;
             if (!m_header || !m_header->isSectionHidden(logical))
@@ -111,12 +109,25 @@ public:
     {
         std::vector<int> rows;
         for (size_t i = 0; i < m_rows.size(); ++i)
-            if (m_view.selectionModel()->rowIntersectsSelection(m_rows[i], m_view.rootIndex()))
+            if (m_view.selectionModel()->rowIntersectsSelection(m_rows[i].row(), m_rows[i].parent()))
                 rows.push_back(int(i));
         return rows;
     }
 
 private:
+    // Of a tree, what is below an open item follows it.
+    void collectRows(const QModelIndex& parent)
+    {
+        const auto* table = qobject_cast<const QTableView*>(&m_view);
+        const auto* tree = qobject_cast<const QTreeView*>(&m_view);
+        for (int row = 0; row < model().rowCount(parent); ++row) {
+            if ((table && table->isRowHidden(row)) || (tree && tree->isRowHidden(row, parent)))
+                continue;
+            m_rows.push_back(model().index(row, 0, parent));
+            if (tree && tree->isExpanded(m_rows.back()))
+                collectRows(QModelIndex(m_rows.back()));
+        }
+    }
     static QHeaderView* headerOf(QAbstractItemView& view)
     {
         if (auto* table = qobject_cast<QTableView*>(&view))
@@ -139,12 +150,14 @@ private:
     QAbstractItemModel& model() const { return *m_view.model(); }
     QModelIndex at(int row, int column) const
     {
-        return model().index(m_rows[size_t(row)], m_columns[size_t(column)], m_view.rootIndex());
+        const QModelIndex first = m_rows[size_t(row)];
+        return first.sibling(first.row(), m_columns[size_t(column)]);
     }
 
     QAbstractItemView& m_view;
     QHeaderView* m_header;
-    std::vector<int> m_rows, m_columns; ///< of the model, by what is displayed
+    std::vector<QModelIndex> m_rows; ///< first cells, by what is displayed
+    std::vector<int> m_columns; ///< of the model, by what is displayed
 };
 
 class ViewTree : public KcEdScriptableTree {

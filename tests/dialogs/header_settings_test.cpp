@@ -1,0 +1,179 @@
+// The header settings of the statistics tables: by lines and by keys, what the drawing keeps, and what a
+// table makes of it.
+#include "../core/support.h"
+#include "support.h"
+
+#include "controls/tree_list.h"
+#include "core/drawing_config.h"
+#include "frame/module.h"
+#include "statistics/header_settings.h"
+#include "statistics/table_builder.h"
+#include "statistics/table_layout.h"
+
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+namespace {
+
+const QString kTrees = QStringLiteral("乔灌数量统计表"), kAreas = QStringLiteral("灌木地被面积表");
+
+// Mouse and keys answer the dialogs, nobody the prompts.
+class Hands : public KcEdInputSource {
+public:
+    void refused(const KcEdLine&, const QString&) override { }
+    bool drivesDialogs() const override { return false; }
+
+protected:
+    KcEdEvent read(const KcEdPrompt&) override { return KcEdEnd{}; }
+};
+
+class HeaderSettings : public ::testing::Test {
+protected:
+    HeaderSettings() { localisedTexts().Initialize(QStringLiteral("_zh")); }
+
+    int play(const QString& table, const QStringList& lines)
+    {
+        return session.run([=] { editTableHeaders(table); }, lines);
+    }
+    CTbInfoStd shown(const QString& table) const
+    {
+        return GetDwgGlobal(VdlOpenMode::kForRead)->GetTbInfoStd(table).value();
+    }
+    static STbInfoDesc desc(const CTbInfoStd& info, const QString& key)
+    {
+        const STbInfoDesc* const found = info.FindByName(key);
+        return found ? *found : STbInfoDesc{ QStringLiteral("missing"), false };
+    }
+    // What the lines of headers of a new table say, from left to right.
+    QStringList headersOfTable(const QString& name) const
+    {
+        TableSettings settings = readTableSettings();
+        QStringList texts;
+        if (!createTable(settings, name))
+            return { QStringLiteral("no table") };
+        for (int row = 0; row < settings.table->numRows(); ++row)
+            for (int column = 0; column < settings.table->numColumns(); ++column)
+                if (const QString text = settings.table->plainText(row, column); !text.isEmpty())
+                    texts += text;
+        return texts;
+    }
+
+    core_test::Root root;
+    ed_test::Session session;
+};
+
+} // namespace
+
+TEST_F(HeaderSettings, AreKeptWithTheDrawingAndDrawn)
+{
+    const CTbInfoStd before = shown(kTrees);
+    ASSERT_EQ(
+        play(
+            kTrees,
+            { "!tree 拉丁名 off", "!tree 胸径 off", "!cell 0 列表名称 苗木表", "!cell 3 列表名称 树种",
+              "!ok" }),
+        0)
+        << session.errors;
+    const CTbInfoStd after = shown(kTrees);
+    EXPECT_EQ(desc(after, kTrees).text, "苗木表");
+    EXPECT_EQ(desc(after, "名称"), (STbInfoDesc{ "树种", true }));
+    EXPECT_FALSE(desc(after, "拉丁名").visible);
+    EXPECT_FALSE(desc(after, "胸径").visible);
+    EXPECT_TRUE(desc(after, "规格").visible); // an item is ticked by itself
+    EXPECT_TRUE(desc(after, "高度").visible);
+    const QStringList heads = headersOfTable(kTrees);
+    EXPECT_EQ(heads.value(0), "苗木表");
+    EXPECT_TRUE(heads.contains("树种") && heads.contains("高度(m)")) << heads.join(' ');
+    EXPECT_FALSE(heads.contains("拉丁名") || heads.contains("胸径(cm)")) << heads.join(' ');
+
+    // The next time it shows what was kept; one step takes it back.
+    ASSERT_EQ(play(kTrees, { "!tree 拉丁名 on", "!cancel" }), 0);
+    EXPECT_EQ(shown(kTrees).entries(), after.entries());
+    ASSERT_EQ(play(kTrees, { "!tree 规格 off", "!ok" }), 0);
+    EXPECT_FALSE(desc(shown(kTrees), "规格").visible);
+    EXPECT_TRUE(desc(shown(kTrees), "高度").visible);
+    EXPECT_EQ(play(kTrees, { "!tree 高度 off", "!cancel" }), 1); // greyed
+    EXPECT_EQ(session.run({ "U", "U" }), 0);
+    EXPECT_EQ(shown(kTrees).entries(), before.entries());
+}
+
+TEST_F(HeaderSettings, OfferWhatTheDocumentOffers)
+{
+    root.write(
+        "VDLTbInfo.xml",
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<TbInfo>\n<Table><Name>灌木地被面积表</Name>"
+        "<Item><Name>图例</Name><Check>0</Check></Item><Item><Name>序号</Name><Visible>0</Visible></Item>"
+        "<Item><Name>名称</Name></Item></Table></TbInfo>\n");
+    MarkupDocument layout = *headersOfDrawing(kAreas);
+    CHeaderSettingDlg dialog(kAreas, layout);
+    auto* list = dialog.findChild<CTreeListCtrl*>();
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    ASSERT_EQ(list->topLevelItem(0)->childCount(), 1);
+    EXPECT_EQ(list->topLevelItem(0)->child(0)->text(0), "名称");
+    list->topLevelItem(0)->setText(1, "面积");
+    EXPECT_TRUE(list->tickItem("名称", false).isEmpty());
+    dialog.accept();
+    MarkupDocument kept = dialog.document();
+    ASSERT_TRUE(findTable(kept, kAreas));
+    EXPECT_EQ(childText(kept, "Value"), "面积");
+    QStringList rows;
+    kept.IntoElem();
+    while (kept.FindElem("Item"))
+        rows += childText(kept, "Name") + childText(kept, "Visible") + '/' + childText(kept, "Check");
+    EXPECT_EQ(rows.join(' '), "图例/0 序号0/ 名称/0");
+    EXPECT_EQ(layout.GetDoc(), headersOfDrawing(kAreas)->GetDoc()); // a copy was changed
+
+    EXPECT_EQ(play("no such table", {}), 0);
+    EXPECT_TRUE(session.printed.contains("表格布局文件中没有“no such table”")) << session.printed;
+}
+
+// As a user does: a key opens the dialog, and keys do everything in it.
+TEST_F(HeaderSettings, AreReachedAndEditedByKeys)
+{
+    Hands hands;
+    const KcEdSourceScope scope(hands);
+    QPushButton opener;
+    bool isKept = false;
+    QObject::connect(&opener, &QPushButton::clicked, [&] { isKept = editTableHeaders(kTrees, &opener); });
+    opener.show();
+    QTimer::singleShot(0, [] {
+        auto* dialog = dynamic_cast<CHeaderSettingDlg*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        EXPECT_EQ(dialog->windowTitle(), "表头设置");
+        auto* list = dialog->findChild<CTreeListCtrl*>();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+        EXPECT_EQ(list->columnWidth(0), list->width() / 2);
+        EXPECT_EQ(list->columnWidth(1), list->width() / 2 - 30);
+        dialog->resize(dialog->width() + 200, dialog->height() + 100);
+        EXPECT_EQ(list->columnWidth(0), list->width() / 2);
+
+        const auto key = [](Qt::Key code) {
+            QTest::keyClick(QApplication::focusWidget(), code);
+            QApplication::processEvents(); // an editor takes its text then
+        };
+        EXPECT_EQ(QApplication::focusWidget(), list);
+        for (int row = 0; row < 4; ++row) // from the title to 拉丁名
+            key(Qt::Key_Down);
+        EXPECT_EQ(list->currentItem()->text(0), "拉丁名");
+        key(Qt::Key_Space);
+        key(Qt::Key_Up);
+        list->setCurrentItem(list->currentItem(), 1);
+        key(Qt::Key_F2);
+        ASSERT_NE(QApplication::focusWidget(), list);
+        QTest::keyClicks(QApplication::focusWidget(), "plant");
+        key(Qt::Key_Escape); // leaves the text alone, and the dialog open
+        EXPECT_EQ(list->currentItem()->text(1), "名称");
+        ASSERT_TRUE(dialog->isVisible());
+        key(Qt::Key_F2);
+        QTest::keyClicks(QApplication::focusWidget(), "plant");
+        key(Qt::Key_Return);
+        EXPECT_EQ(list->currentItem()->text(1), "plant");
+        ASSERT_TRUE(dialog->isVisible());
+        key(Qt::Key_Return);
+    });
+    QTest::keyClick(&opener, Qt::Key_Space);
+    EXPECT_TRUE(isKept);
+    EXPECT_EQ(desc(shown(kTrees), "名称").text, "plant");
+    EXPECT_FALSE(desc(shown(kTrees), "拉丁名").visible);
+}
