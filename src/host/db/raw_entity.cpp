@@ -3,6 +3,8 @@
 #include "db/raw_entity.h"
 
 #include "db/block_reference.h"
+#include "db/database.h"
+#include "db/drawn_extents.h"
 
 KCRX_DEFINE(KcDbRawEntity, KcDbEntity, "AcDbProxyEntity")
 
@@ -18,5 +20,10 @@ KcGeExtents3d KcDbRawEntity::geomExtents() const
     if (m_data.block.isResident())
         if (const KcGeExtents3d box = KcDbBlockReference::definitionExtents(m_data.block); !box.isEmpty())
             return box;
-    return m_data.points;
+    const uint64_t now = database() ? database()->changeCount() : 0;
+    if (m_drawn.isEmpty() || m_drawnAt != now) {
+        m_drawn = kcdbDrawnExtents(*this);
+        m_drawnAt = now;
+    }
+    return m_drawn.isEmpty() ? m_data.points : m_drawn;
 }

@@ -14,7 +14,7 @@ public:
     struct Data {
         KcDbObjectId block; ///< the block that shows it (dimensions, tables of other programs); null: none
         KcDbObjectId dimStyle; ///< of a dimension
-        KcGeExtents3d points; ///< box of the points that its groups hold
+        KcGeExtents3d points; ///< box of the points that its groups hold: for kinds that do not draw
         std::vector<KcDbObjectId> owned; ///< objects that go with it
     };
     const Data& data() const { return m_data; }
@@ -22,7 +22,7 @@ public:
     /// The name of its kind in the file, such as "MLINE".
     const QByteArray& fileName() const { return m_fileName; }
 
-    /// The box of its block, else of the points it holds.
+    /// The box of its block, else of what it draws, else of the points it holds.
     KcGeExtents3d geomExtents() const override;
     /// Draws dimensions, multileaders, multilines, tolerances and frames from the groups of the file; other kinds are
     /// told as left out.
@@ -34,4 +34,6 @@ public:
 private:
     QByteArray m_fileName;
     Data m_data;
+    mutable KcGeExtents3d m_drawn; ///< what it drew when the drawing had this many changes; empty: not known
+    mutable uint64_t m_drawnAt = 0;
 };
