@@ -56,7 +56,10 @@ platform::Result<TableLayout> readLayout(const QString& tableName)
         return Result::failure(layout.error + QStringLiteral("未生成统计表。"));
     if (!findTable(*layout, tableName))
         return Result::failure(QStringLiteral("表格布局文件中没有“%1”，未生成统计表。").arg(tableName));
-    return { TableLayout{ title->text, shownItems(*layout, *shown) }, {} };
+    std::vector<TableColumn> columns = shownItems(*layout, *shown);
+    if (columns.empty())
+        return Result::failure(QStringLiteral("“%1”的各列都未显示，未生成统计表。").arg(tableName));
+    return { TableLayout{ title->text, std::move(columns) }, {} };
 }
 
 bool sameText(const KcDbTable& table, int rowA, int rowB, int column)

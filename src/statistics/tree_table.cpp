@@ -12,6 +12,9 @@ namespace {
 
 constexpr size_t recordsWithoutMeter = 300;
 
+const QString serialColumn = QStringLiteral("序号");
+const QString legendColumn = QStringLiteral("图例");
+const QString nameColumn = QStringLiteral("名称");
 const QString countColumn = QStringLiteral("数量");
 const QString unitColumn = QStringLiteral("单位");
 const QString usualUnit = QStringLiteral("株");
@@ -46,24 +49,50 @@ QString plantData(const CTreeData& record, const QString& name)
     return value;
 }
 
-int findUnitColumn(const KcDbTable& table, int headerRows)
+// Names of the columns, by which they are filled.
+QStringList columnNames(const KcDbTable& table, int headerRows)
 {
+    QStringList names;
     for (int column = 0; column < table.numColumns(); ++column)
-        if (tableColumnName(table, headerRows, column) == unitColumn)
-            return column;
-    return -1;
+        names += tableColumnName(table, headerRows, column);
+    // Our own tables name every column. Serial number, legend and name of another program's table may be
+    // called anything; they are the first three unless the headings say otherwise.
+    const QStringList fixed{ serialColumn, legendColumn, nameColumn },
+        known = fixed + QStringList{ countColumn, unitColumn };
+    for (int column = 0; column < std::min(int(names.size()), int(fixed.size())); ++column)
+        if (table.columnName(column).isEmpty() && !known.contains(names[column])
+            && !names.contains(fixed[column]))
+            names[column] = fixed[column];
+    return names;
 }
 
 // The rows of a table as records that nothing is counted for yet, with their units as notes.
 void takeRows(const KcDbTable& table, int headerRows, DList<CTreeData>& records)
 {
-    const int unit = findUnitColumn(table, headerRows);
+    const QStringList names = columnNames(table, headerRows);
+    const int name = int(names.indexOf(nameColumn)), unit = int(names.indexOf(unitColumn));
+    if (name < 0)
+        return;
     for (int row = headerRows; row < table.numRows(); ++row)
-        records.append(new CTreeData{ table.plainText(row, kNameColumn),
+        records.append(new CTreeData{ table.plainText(row, name),
                                       {},
                                       0,
                                       row - headerRows + 1,
                                       unit < 0 ? QString() : table.plainText(row, unit) });
+}
+
+// What a row shows for a record in a column of that name, but for the legend.
+QString textFor(const CTreeData& record, const QString& column, int serial)
+{
+    if (column == serialColumn)
+        return QString::number(serial);
+    if (column == nameColumn)
+        return record.name;
+    if (column == countColumn)
+        return QString::number(record.count);
+    if (column == unitColumn)
+        return record.note.isEmpty() ? usualUnit : record.note;
+    return plantData(record, column);
 }
 
 } // namespace
@@ -74,11 +103,8 @@ void fillTreeTable(KcDbTable& table, DList<CTreeData>& records, double rowHeight
         return;
     LongWork work(QStringLiteral("正在处理%1条数据"), size_t(records.count()), recordsWithoutMeter);
 
-    std::vector<QString> names;
     const int headerRows = findHeaderRows(table).count;
-    for (int column = 0; column < table.numColumns(); ++column)
-        names.push_back(tableColumnName(table, headerRows, column));
-
+    const QStringList names = columnNames(table, headerRows);
     int serial = 0;
     for (int i = 0; i < records.count(); ++i) {
         work.advance();
@@ -87,19 +113,12 @@ void fillTreeTable(KcDbTable& table, DList<CTreeData>& records, double rowHeight
             continue;
         const int row = table.numRows();
         table.insertRows(row, rowHeight);
-        SetTableTextString(row, kSerialColumn, QString::number(++serial), table);
-        table.setBlockTableRecordId(row, kLegendColumn, legendOf(record));
-        SetTableTextString(row, kNameColumn, record.name, table);
-        for (int column = kFirstDataColumn; column < table.numColumns(); ++column) {
-            const QString& name = names[size_t(column)];
-            QString text;
-            if (name == countColumn)
-                text = QString::number(record.count);
-            else if (name == unitColumn)
-                text = record.note.isEmpty() ? usualUnit : record.note;
+        ++serial;
+        for (int column = 0; column < table.numColumns(); ++column) {
+            if (names[column] == legendColumn)
+                table.setBlockTableRecordId(row, column, legendOf(record));
             else
-                text = plantData(record, name);
-            SetTableTextString(row, column, text, table);
+                SetTableTextString(row, column, textFor(record, names[column], serial), table);
         }
     }
     widenForLongWords(table, headerRows);

@@ -8,13 +8,12 @@
 /// Name of the table in the layout document.
 inline const QString treeTableName = QStringLiteral("乔灌数量统计表");
 
-/// Fixed columns of the table; the others go by their names.
-enum TreeTableColumn { kSerialColumn = 0, kLegendColumn = 1, kNameColumn = 2, kFirstDataColumn = 3 };
-
 /// Appends a row for each record, in the order of the list, which is then cleared. Records with a count of 0
-/// get no row. The unit is the record's note, 株 where it has none.
+/// get no row. The unit is the record's note, 株 where it has none. Columns go by their names; of a table
+/// that has none, the first three are serial number, legend and name where the headings do not say otherwise.
 void fillTreeTable(KcDbTable& table, DList<CTreeData>& records, double rowHeight);
 
 /// Counts a table anew: its rows keep their order and units, plants that are not counted any more go, new
-/// ones come after the others. The table must be open for writing; its graphics are drawn anew by the caller.
+/// ones come after the others. A table that does not show the names is counted as a new one would be. The
+/// table must be open for writing; its graphics are drawn anew by the caller.
 void updateTreeTable(KcDbTable& table, const PlantSelection& plants, const TableSettings& settings);

@@ -53,13 +53,15 @@ protected:
             list += QStringLiteral("%1=%2").arg(records.at(i)->name).arg(records.at(i)->count);
         return list.join(' ').toStdString();
     }
-    // A table with the columns serial, legend, name, count, unit, 高度, in the drawing.
-    KcDbObjectId table(const PlantSelection& plants)
+    // A table in the drawing, with these columns ("key" or "key=heading").
+    KcDbObjectId table(
+        const PlantSelection& plants,
+        const QString& columns = QStringLiteral("序号 图例 名称 数量 单位 高度"))
     {
         auto table = std::make_unique<KcDbTable>();
         TableLayout layout{ "T", {} };
-        for (const char* name : { "序号", "图例", "名称", "数量", "单位", "高度" })
-            layout.columns.push_back({ QString::fromUtf8(name), QString::fromUtf8(name), {} });
+        for (const QString& column : columns.split(' '))
+            layout.columns.push_back({ column.section('=', 0, 0), column.section('=', -1), {} });
         table->setTextHeight(settings.textHeight, kAllRows);
         buildTableHeader(*table, layout, settings.rowHeight, settings.columnWidth);
         DList<CTreeData> records;
@@ -76,6 +78,21 @@ protected:
             rows += QStringList{ table->plainText(row, 0), table->plainText(row, 2), table->plainText(row, 3),
                                  table->plainText(row, 4) }
                         .join(' ');
+        return rows.join('/').toStdString();
+    }
+    // All that the rows below the title show, a legend as [block].
+    static std::string cells(KcDbObjectId id)
+    {
+        const KcDbRead<KcDbTable> table(id);
+        QStringList rows;
+        for (int row = 1; row < table->numRows(); ++row) {
+            QStringList texts;
+            for (int column = 0; column < table->numColumns(); ++column) {
+                const KcDbObjectId block = table->blockTableRecordId(row, column);
+                texts += block.isNull() ? table->plainText(row, column) : '[' + kcdbRecordName(block) + ']';
+            }
+            rows += texts.join(' ');
+        }
         return rows.join('/').toStdString();
     }
     void update(KcDbObjectId id, const PlantSelection& plants)
@@ -172,6 +189,33 @@ TEST_F(Counting, UpdateKeepsOrderAndUnits)
         }
         update(id, row.now);
         EXPECT_EQ(rows(id), row.after) << row.name;
+    }
+}
+
+// A column that the drawing does not show must not leave its content to the one in its place, nor may a new
+// heading make the program forget what the column holds.
+TEST_F(Counting, ColumnsGoByTheirNames)
+{
+    const struct {
+        const char* columns;
+        const char* counted;
+        const char* updated;
+    } rows[] = {
+        { "序号 名称 数量", "序号 名称 数量/1 B 1/2 A 2", "序号 名称 数量/1 B 3/2 C 1" },
+        { "图例 数量", "图例 数量/[B] 1/[A] 2", "图例 数量/[C] 1/[B] 3" },
+        { "名称", "名称/B/A", "名称/B/C" },
+        { "数量=棵数 名称=树种 图例=符号", "棵数 树种 符号/1 B [B]/2 A [A]",
+          "棵数 树种 符号/3 B [B]/1 C [C]" },
+        // As other programs write them, without names of columns.
+        { "=No. =Symbol =Plant =数量", "No. Symbol Plant 数量/1 [B] B 1/2 [A] A 2",
+          "No. Symbol Plant 数量/1 [B] B 3/2 [C] C 1" },
+        { "=序号 =名称 =数量", "序号 名称 数量/1 B 1/2 A 2", "序号 名称 数量/1 B 3/2 C 1" },
+    };
+    for (const auto& row : rows) {
+        const KcDbObjectId id = table(symbols("A A B"), row.columns);
+        EXPECT_EQ(cells(id), row.counted);
+        update(id, symbols("C B B B"));
+        EXPECT_EQ(cells(id), row.updated);
     }
 }
 
