@@ -1,17 +1,17 @@
 // What hatches and wipeouts hand to a sink, at every magnification.
 
+#include "entities/recorder.h"
+
 #include "db/block_table_record.h"
-#include "db/database.h"
 #include "db/hatch.h"
 #include "db/wipeout.h"
-#include "gi/sink/world_draw.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 /// Notes what is drawn: fills, masks, the number and length of strokes.
-class Notes : public KcGiWorldDraw {
+class Notes : public entities_test::Recorder {
 public:
     std::optional<KcGeExtents2d> view;
     double pixelSize = 0.0;
@@ -19,17 +19,11 @@ public:
     int fills = 0, gradients = 0, masks = 0;
     size_t strokes = 0;
     double strokeLength = 0.0;
-    KcGeExtents3d box; ///< of everything
     std::vector<KcGiColor> fillColors;
     KcGiGradient gradient;
-    QStringList told;
 
     std::optional<KcGeExtents2d> window() const override { return view; }
     double pixel() const override { return pixelSize; }
-    void setColor(const KcGiColor& color) override { m_color = color; }
-    KcGiColor entityColor() const override { return { 1, -1 }; }
-    void setLineWeight(int) override { }
-    void setContinuous(bool) override { }
     void stroke(const KcGiPath& path, Stroke) override
     {
         walk(path, [&](double length) {
@@ -54,14 +48,6 @@ public:
         ++masks;
         walk(path, [](double) {});
     }
-    void infiniteLine(KcGePoint3d, KcGeVector3d, bool) override { }
-    void point(KcGePoint3d, double) override { }
-    void text(const KcGiTextRun&) override { }
-    void entity(const KcDbEntity&) override { }
-    void block(KcDbObjectId, const KcGeMatrix3d&) override { }
-    void pushClip(const KcGiPath&, bool) override { }
-    void popClip() override { }
-    void leftOut(const QString& what) override { told.append(what); }
 
 private:
     template <class Run> void walk(const KcGiPath& path, const Run& run)
@@ -77,7 +63,6 @@ private:
             },
             [&](bool) { run(length); });
     }
-    KcGiColor m_color;
 };
 
 KcDbHatch square(double side, std::vector<KcGeHatchFamily> lines)
@@ -123,7 +108,7 @@ TEST(HatchDrawing, LinesWhereTheyCanBeSeenToneWhereNot)
     const Notes dots = drawn(square(1000, { across(1, { 0, -40 }) }), 2);
     EXPECT_EQ(dots.fills, 0);
     EXPECT_NEAR(dots.strokeLength * 2 / 1e6, 2.0 * 2.0 / 40, 0.01);
-    EXPECT_TRUE(near.told.isEmpty() && dots.told.isEmpty());
+    EXPECT_TRUE(near.missing.isEmpty() && dots.missing.isEmpty());
 }
 
 TEST(HatchDrawing, OnlyWhatTheWindowShows)
@@ -143,11 +128,11 @@ TEST(HatchDrawing, HundredMillionDashesAreDrawnInPartAndTold)
     const Notes notes = drawn(square(1e4, { across(0.1, { 0.005, -0.005 }) }), 1e-9);
     EXPECT_GT(notes.strokes, 0u);
     EXPECT_LT(notes.strokes, 2'000'000u);
-    ASSERT_EQ(notes.told.size(), 1);
-    EXPECT_TRUE(notes.told[0].contains(QStringLiteral("TEST")));
+    ASSERT_EQ(notes.missing.size(), 1);
+    EXPECT_TRUE(notes.missing[0].contains(QStringLiteral("TEST")));
     const Notes unknown = drawn(square(10, {}), 0.1);
     EXPECT_EQ(unknown.strokes, 1u); // the outline
-    EXPECT_EQ(unknown.told.size(), 1);
+    EXPECT_EQ(unknown.missing.size(), 1);
 }
 
 TEST(HatchDrawing, FillsIslandsAndGradients)
@@ -157,7 +142,7 @@ TEST(HatchDrawing, FillsIslandsAndGradients)
     solid.appendLoop(0, { { 2, 2 }, { 3, 2 }, { 3, 3 } });
     Notes notes = drawn(solid, 0.1);
     EXPECT_EQ(notes.fills, 1);
-    EXPECT_TRUE(notes.told.isEmpty());
+    EXPECT_TRUE(notes.missing.isEmpty());
     EXPECT_NEAR(notes.box.max.x, 10, 1e-12);
 
     auto& gradient = solid.data().gradient;
@@ -190,8 +175,8 @@ TEST(WipeoutDrawing, FramesAsTheDrawingWants)
 {
     KcDbDatabase database;
     const KcDbRead<KcDbBlockTableRecord> space(database.modelSpace());
-    const KcDbObjectId id
-        = space->appendEntity(KcDbWipeout::fromCorners({ { 0, 0, 0 }, { 4, 0, 0 }, { 4, 3, 0 }, { 0, 3, 0 } }));
+    const KcDbObjectId id = space->appendEntity(
+        KcDbWipeout::fromCorners({ { 0, 0, 0 }, { 4, 0, 0 }, { 4, 3, 0 }, { 0, 3, 0 } }));
     const KcDbRead<KcDbWipeout> wipeout(id);
     EXPECT_EQ(kcdbWipeoutFrame(database), 1);
     Notes notes = drawn(*wipeout, 0.1);

@@ -97,7 +97,8 @@ KcGeExtents3d KcDbMText::extentsUnder(const KcGeMatrix3d& matrix) const
 {
     const KcGeMatrix3d toWorld = matrix * textTransform();
     const KcDbMTextLayout set = layout();
-    KcGeExtents3d local;
+    KcGeExtents3d box;
+    const auto add = [&](double x, double y) { kcdbAddPoint(box, toWorld * KcGePoint3d{ x, y, 0.0 }); };
     for (const KcDbMTextLayout::Piece& piece : set.pieces) {
         const KcDbMTextFormat& f = piece.format;
         const KcGi::TextExtent ink = KcGi::textExtent(f.font, piece.text, f.height, f.widthFactor);
@@ -106,22 +107,18 @@ KcGeExtents3d KcDbMText::extentsUnder(const KcGeMatrix3d& matrix) const
         const double slant = std::tan(f.oblique);
         for (const double y : { ink.bottom, ink.top })
             for (const double x : { 0.0, piece.width })
-                kcdbAddPoint(local, { piece.x + x + y * slant, piece.baseline + y, 0.0 });
+                add(piece.x + x + y * slant, piece.baseline + y);
     }
     for (const KcDbMTextLayout::Rule& rule : set.rules) {
-        kcdbAddPoint(local, { rule.x1, rule.y1, 0.0 });
-        kcdbAddPoint(local, { rule.x2, rule.y2, 0.0 });
+        add(rule.x1, rule.y1);
+        add(rule.x2, rule.y2);
     }
-    if (local.isEmpty())
-        return local;
-    if (const KcGeExtents3d background = backgroundOf(set); !background.isEmpty()) {
-        kcdbAddPoint(local, background.min);
-        kcdbAddPoint(local, background.max);
-    }
-    KcGeExtents3d box;
-    for (const double x : { local.min.x, local.max.x })
-        for (const double y : { local.min.y, local.max.y })
-            kcdbAddPoint(box, toWorld * KcGePoint3d{ x, y, 0.0 });
+    if (box.isEmpty())
+        return box;
+    if (const KcGeExtents3d background = backgroundOf(set); !background.isEmpty())
+        for (const double x : { background.min.x, background.max.x })
+            for (const double y : { background.min.y, background.max.y })
+                add(x, y);
     return box;
 }
 

@@ -8,6 +8,8 @@
 namespace {
 
 constexpr double kRadians = kPi / 180.0;
+/// No code is longer: what would be is text, lest the time grow with the square of a text's length.
+constexpr qsizetype kLongestCode = 4000, kLongestNumber = 64;
 /// Values outside these are taken for damage and ignored.
 constexpr double kLargestFactor = 1e6, kLargestHeight = 1e12, kSteepestSlant = 85.0;
 
@@ -227,8 +229,8 @@ private:
     template <class Apply> void number(bool mayBeFactor, Apply apply)
     {
         static const QRegularExpression pattern(
-            QStringLiteral("\\G\\s*([+-]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][+-]?\\d+)?)(x?)"));
-        const auto match = pattern.match(m_text, m_at + 2);
+            QStringLiteral("^\\s*([+-]?(?:\\d+\\.?\\d*|\\.\\d+)(?:[eE][+-]?\\d+)?)(x?)"));
+        const auto match = pattern.match(m_text.mid(m_at + 2, kLongestNumber));
         if (!match.hasMatch()) {
             m_pending += m_text[m_at + 1];
             m_at += 2;
@@ -239,13 +241,17 @@ private:
         const bool factor = mayBeFactor && match.capturedLength(2) > 0;
         if (std::isfinite(value))
             apply(value, factor);
-        m_at = factor ? match.capturedEnd(2) : match.capturedEnd(1);
+        m_at += 2 + (factor ? match.capturedEnd(2) : match.capturedEnd(1));
         if (peek(0) == u';')
             ++m_at;
     }
 
     /// Position of the semicolon that ends the code at hand; -1 when there is none before the code could end.
-    qsizetype semicolon() const { return m_text.indexOf(u';', m_at + 2); }
+    qsizetype semicolon() const
+    {
+        const qsizetype there = QStringView(m_text).mid(m_at + 2, kLongestCode).indexOf(u';');
+        return there < 0 ? there : m_at + 2 + there;
+    }
 
     /// The argument up to the semicolon; nothing, with the code taken as text, when there is none.
     std::optional<QString> argument()
@@ -355,7 +361,8 @@ private:
         KcDbMTextRun run;
         run.kind = KcDbMTextRun::Kind::kStack;
         bool below = false, ended = false;
-        for (; at < m_text.size() && !ended; ++at) {
+        const qsizetype last = semicolon() < 0 ? at : std::min(m_text.size(), at + kLongestCode);
+        for (; at < last && !ended; ++at) {
             const QChar c = m_text[at];
             if (c == u';') {
                 ended = true;

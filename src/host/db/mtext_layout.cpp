@@ -178,6 +178,32 @@ private:
         }
     }
 
+    /// True where a line that is spread out to both sides gets room: between words, or between all
+    /// characters.
+    static bool opensGap(const std::vector<Atom>& atoms, size_t from, size_t i, char alignment)
+    {
+        return i > from && (alignment == 'd' || (atoms[i - 1].isBlank && !atoms[i].isBlank));
+    }
+
+    /// The room that each gap of the line gets; 0 when the paragraph is not spread out, or the line is full.
+    /// Of a justified paragraph the last line stays as it is.
+    template <class Line>
+    double
+    spreadOf(const std::vector<Atom>& atoms, size_t from, size_t to, const Line& line, bool isCut) const
+    {
+        const char alignment = line.paragraph ? line.paragraph->alignment : 0;
+        if (!(m_frame.width > 0.0) || !(alignment == 'd' || (alignment == 'j' && isCut)))
+            return 0.0;
+        double spare
+            = m_frame.width - std::max(0.0, line.paragraph->rightIndent * m_frame.height) - line.indent;
+        size_t gaps = 0;
+        for (size_t i = from; i < to; ++i) {
+            spare -= atoms[i].width;
+            gaps += opensGap(atoms, from, i, alignment);
+        }
+        return gaps > 0 && spare > 0.0 ? spare / double(gaps) : 0.0;
+    }
+
     /// Puts atoms into one line; x from the left edge of the frame, the base line at 0 for the time being.
     void setLine(const std::vector<Atom>& atoms, size_t from, size_t to, const KcDbMTextRun& end, bool first)
     {
@@ -195,20 +221,24 @@ private:
             line.height = leading.format.height;
         line.firstPiece = m_layout.pieces.size();
         line.firstRule = m_layout.rules.size();
+        const double spread = spreadOf(atoms, from, inked, line, to < atoms.size());
         double x = line.indent;
         for (size_t i = from; i < inked; ++i) {
             const Atom& atom = atoms[i];
             const KcDbMTextRun& run = m_runs[atom.run];
             const KcDbMTextFormat& f = run.format;
             const double rise = f.alignment * (line.height - f.height) / 2.0;
+            const bool opens = spread > 0.0 && opensGap(atoms, from, i, line.paragraph->alignment);
+            if (opens)
+                x += spread;
             if (run.kind == KcDbMTextRun::Kind::kStack) {
                 addStack(run, x, rise, atom.width);
                 line.text += stacked(run);
             } else if (run.kind == KcDbMTextRun::Kind::kTab) {
                 line.text += u'\t';
             } else {
-                const bool goesOn
-                    = i > from && atoms[i - 1].run == atom.run && m_layout.pieces.size() > line.firstPiece;
+                const bool goesOn = !opens && i > from && atoms[i - 1].run == atom.run
+                    && m_layout.pieces.size() > line.firstPiece;
                 if (!goesOn)
                     m_layout.pieces.push_back({ {}, x, rise, 0.0, f });
                 KcDbMTextLayout::Piece& piece = m_layout.pieces.back();
