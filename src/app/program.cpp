@@ -2,8 +2,8 @@
 
 #include "program.h"
 
-#include "dxf/drawing_file.h"
 #include "ed/console.h"
+#include "ed/document_files.h"
 #include "ed/host_commands.h"
 #include "ed/message_boxes.h"
 #include "ed/module.h"
@@ -47,7 +47,7 @@ QString strayOption(const Arguments& arguments)
 KcApDocument* openDrawing(const QString& path)
 {
     auto database = std::make_unique<KcDbDatabase>(KcDbDatabase::Content::kEmpty);
-    const auto result = dxf::readDrawing(path, *database);
+    const dxf::Result result = kcedReadDrawing(path, *database);
     if (!result.ok) {
         kcedSayError(result.error);
         return nullptr;

@@ -229,6 +229,31 @@ TEST_F(BadInput, CutShortAnywhere)
     }
 }
 
+// Whoever watches is told of every part of the file once, and is obeyed at any of them.
+TEST_F(BadInput, ReadingIsWatchedAndStopped)
+{
+    const QString path = kDrawings + "wipeout-r2018.dxf";
+    std::vector<int> told;
+    KcDbDatabase whole(KcDbDatabase::Content::kEmpty);
+    ASSERT_TRUE(dxf::readDrawing(path, whole, [&](int percent) {
+                    told.push_back(percent);
+                    return true;
+                }).ok);
+    EXPECT_GT(told.size(), 20u);
+    EXPECT_LE(told.size(), 110u);
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    EXPECT_GE(told.front(), 0);
+    EXPECT_GT(told.back(), 90);
+    EXPECT_LE(told.back(), 100);
+    for (size_t last = 0; last < told.size(); ++last) {
+        size_t calls = 0;
+        KcDbDatabase part(KcDbDatabase::Content::kEmpty);
+        const dxf::Result result = dxf::readDrawing(path, part, [&](int) { return calls++ != last; });
+        EXPECT_TRUE(result.stopped && !result.ok && !result.error.isEmpty());
+        EXPECT_EQ(calls, last + 1) << "it went on";
+    }
+}
+
 // Odd, but a drawing: what can be read is read, and can be checked, changed and saved.
 TEST_F(BadInput, OddValuesAreSurvived)
 {

@@ -34,12 +34,20 @@ constexpr VersionRow kVersions[]
         { "AC1024", KcDbVersion::V2010, "2010" }, { "AC1027", KcDbVersion::V2013, "2013" },
         { "AC1032", KcDbVersion::V2018, "2018" } };
 
+// Of the hundred per cent, what the bytes of the file take; the records in them take the rest.
+constexpr int kPercentOfBytes = 10;
+
+/// Thrown where the one who watches wants the reading stopped.
+struct Stopped { };
+
 class Reader {
 public:
-    Reader(KcDbDatabase& database, std::shared_ptr<SourceFile> file)
+    Reader(KcDbDatabase& database, std::shared_ptr<SourceFile> file, const ReadProgress& progress)
         : m_database(database)
         , m_file(std::move(file))
         , m_cursor(m_file->begin(), m_file->end(), m_file->form)
+        , m_progress(progress)
+        , m_nextStep(progress ? m_file->begin() : nullptr)
     {
     }
 
@@ -91,6 +99,21 @@ public:
     }
 
 private:
+    /// Called for each record: a comparison, but for every hundredth of the file.
+    void advance()
+    {
+        if (m_nextStep && m_cursor.position() >= m_nextStep)
+            report();
+    }
+    void report()
+    {
+        const size_t done = m_file->offsetOf(m_cursor.position());
+        const size_t step = m_file->size / 100 + 1;
+        m_nextStep = m_file->size - done > step ? m_cursor.position() + step : nullptr;
+        if (!m_progress(kPercentOfBytes + int((100 - kPercentOfBytes) * (double(done) / m_file->size))))
+            throw Stopped();
+    }
+
     [[noreturn]] void fail(const Group& group, const std::string& what) const
     {
         throw FileError(m_cursor.where(group.begin) + ": " + what);
@@ -189,6 +212,7 @@ private:
     {
         Group group;
         while (m_cursor.next(group)) {
+            advance();
             if (group.is(0, "ENDSEC")) {
                 m_cursor.back(group);
                 return;
@@ -263,6 +287,7 @@ private:
     };
     Read takeRecord(const Group& name, bool isEntity, const Codec* codec = nullptr)
     {
+        advance();
         const std::string_view fileName = name.trimmed();
         if (!codec)
             codec = lookUp(fileName);
@@ -581,21 +606,33 @@ private:
     KcDbDatabase& m_database;
     std::shared_ptr<SourceFile> m_file;
     GroupCursor m_cursor;
+    const ReadProgress& m_progress;
+    const char* m_nextStep; ///< where the watcher is told next; null: no more
     std::optional<ReadContext> m_context;
     std::string m_lastName;
     const Codec* m_lastCodec = nullptr;
     KcDbObjectId m_parent; ///< the entity whose attributes or vertices follow
 };
 
-Result readBytes(SourceFile::Room bytes, size_t size, KcDbDatabase& database)
+Result stopped()
+{
+    Result result;
+    result.stopped = true;
+    result.error = QStringLiteral("the reading was stopped");
+    return result;
+}
+
+Result readBytes(SourceFile::Room bytes, size_t size, KcDbDatabase& database, const ReadProgress& progress)
 {
     Result result;
     try {
-        Reader(database, std::make_shared<SourceFile>(std::move(bytes), size)).read();
+        Reader(database, std::make_shared<SourceFile>(std::move(bytes), size), progress).read();
         result.ok = true;
         for (const KcDbFinding& finding : database.findings())
             if (finding.number == kFindingTruncated)
                 result.notes.push_back(finding.text + QStringLiteral(" It may have been cut short."));
+    } catch (const Stopped&) {
+        return stopped();
     } catch (const FileError& error) {
         result.error = QString::fromStdString(error.what());
     } catch (const std::bad_alloc&) {
@@ -657,14 +694,14 @@ QString versionText(KcDbVersion version)
     return QLatin1String(kVersions[size_t(version)].text);
 }
 
-Result readDrawing(std::string_view bytes, KcDbDatabase& database)
+Result readDrawing(std::string_view bytes, KcDbDatabase& database, const ReadProgress& progress)
 {
     SourceFile::Room copy(bytes.size());
     std::memcpy(copy.get(), bytes.data(), bytes.size());
-    return readBytes(std::move(copy), bytes.size(), database);
+    return readBytes(std::move(copy), bytes.size(), database, progress);
 }
 
-Result readDrawing(const QString& path, KcDbDatabase& database)
+Result readDrawing(const QString& path, KcDbDatabase& database, const ReadProgress& progress)
 {
     Result result;
     const auto failed = [&](int error) {
@@ -689,9 +726,12 @@ Result readDrawing(const QString& path, KcDbDatabase& database)
         return failed(ENOMEM);
     }
     SourceFile::Room& bytes = *room;
+    // Slow disks and networks take their time over this already.
+    constexpr size_t kPiece = size_t(16) << 20;
+    bool goesOn = true;
     size_t got = 0;
-    while (got < size) {
-        const ssize_t n = ::read(descriptor, bytes.get() + got, size - got);
+    while (got < size && goesOn) {
+        const ssize_t n = ::read(descriptor, bytes.get() + got, std::min(size - got, kPiece));
         if (n < 0 && errno == EINTR)
             continue;
         if (n < 0) {
@@ -702,9 +742,10 @@ Result readDrawing(const QString& path, KcDbDatabase& database)
         if (n == 0)
             break;
         got += size_t(n);
+        goesOn = !progress || progress(int(kPercentOfBytes * (double(got) / size)));
     }
     ::close(descriptor);
-    result = readBytes(std::move(bytes), got, database);
+    result = goesOn ? readBytes(std::move(bytes), got, database, progress) : stopped();
     if (!result.ok)
         result.error = QStringLiteral("%1: %2").arg(path, result.error);
     for (QString& note : result.notes)

@@ -2,10 +2,11 @@
 
 #include "ed/document_files.h"
 
-#include "dxf/drawing_file.h"
+#include "ed/activity.h"
 #include "ed/console.h"
 #include "ed/documents.h"
 #include "ed/input.h"
+#include "ed/status_bar.h"
 #include "ed/system_variables.h"
 #include "platform/file_dialog.h"
 #include "platform/files.h"
@@ -15,6 +16,8 @@
 #include <QStringDecoder>
 
 namespace {
+
+constexpr qint64 kBytesWithoutMeter = qint64(4) << 20; // read faster than a meter is looked at
 
 void tell(const QString& sentence)
 {
@@ -60,12 +63,29 @@ QString askFile(const platform::FileRequest& request, const QString& offered)
 
 } // namespace
 
+dxf::Result kcedReadDrawing(const QString& path, KcDbDatabase& database)
+{
+    // The window looks at what the user does meanwhile; nothing of it may get at the drawings.
+    const KcEdActivityScope working(KcEdActivity::Working);
+    if (QFileInfo(path).size() < kBytesWithoutMeter)
+        return dxf::readDrawing(path, database);
+    KcEdProgress meter(QStringLiteral("Opening %1").arg(QFileInfo(path).fileName()), 100);
+    return dxf::readDrawing(path, database, [&](int percent) {
+        meter.setPosition(percent);
+        return !kcedProgressCancelled();
+    });
+}
+
 bool kcedOpenDrawing(const QString& path)
 {
     if (!mayReplace(kcDocManagerPtr()->curDocument()))
         return false;
     auto database = std::make_unique<KcDbDatabase>(KcDbDatabase::Content::kEmpty);
-    const auto result = dxf::readDrawing(path, *database);
+    const dxf::Result result = kcedReadDrawing(path, *database);
+    if (result.stopped) {
+        kcedSay(QStringLiteral("Stopped; %1 is not opened.").arg(path));
+        return false;
+    }
     if (!result.ok) {
         tell(result.error);
         return false;

@@ -2,14 +2,18 @@
 // is asked.
 #pragma once
 
+#include "dxf/drawing_file.h"
 #include "platform/result.h"
 
 #include <QString>
 
 class KcApDocument;
 
+/// Reads a drawing into an empty database. Of a large one the meter shows how far it is, and the user may
+/// stop it.
+dxf::Result kcedReadDrawing(const QString& path, KcDbDatabase& database);
 /// Reads a drawing and puts it in the place of the current one. False, with the reason shown, when it cannot
-/// be read or something holds the current one; that stays then. For when no command runs.
+/// be read, the user stops it or something holds the current one; that stays then. For when no command runs.
 bool kcedOpenDrawing(const QString& path);
 /// Puts an empty drawing in the place of the current one; false as above.
 bool kcedNewDrawing();

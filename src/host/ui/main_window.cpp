@@ -22,7 +22,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMimeData>
-#include <QProgressBar>
 #include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
@@ -77,7 +76,7 @@ KcUiMainWindow::KcUiMainWindow()
     kcedSetOutput([this](const QString& text) { m_commandLine->append(text); });
     kcedSetErrorOutput(
         [this](const QString& text) { m_commandLine->append(QLatin1Char('\n') + text + QLatin1Char('\n')); });
-    kcedSetProgressSink(this);
+    kcedSetProgressSink(&m_progress);
     kcDocManagerPtr()->setMainWindow(this);
     kcDocManagerPtr()->onCurrentChanged = [this] { showDocument(); };
 
@@ -156,7 +155,7 @@ void KcUiMainWindow::showDocument()
 
 bool KcUiMainWindow::openDrawing(const QString& path)
 {
-    QApplication::setOverrideCursor(Qt::WaitCursor);
+    QApplication::setOverrideCursor(Qt::BusyCursor);
     const bool opened = kcedOpenDrawing(path);
     QApplication::restoreOverrideCursor();
     return opened;
@@ -280,7 +279,7 @@ bool KcUiMainWindow::offerLostWork(const QString& drawing)
     return false;
 }
 
-// Progress.
+// Panels and lists.
 
 void KcUiMainWindow::makeStatusBar()
 {
@@ -288,15 +287,6 @@ void KcUiMainWindow::makeStatusBar()
     m_coordinates->setObjectName(QStringLiteral("coordinates"));
     m_coordinates->setMinimumWidth(
         fontMetrics().horizontalAdvance(QStringLiteral("000000000.000, 000000000.000")));
-    m_progress = new QProgressBar(this);
-    m_progress->setObjectName(QStringLiteral("progress"));
-    m_progress->setMaximumWidth(220);
-    m_progress->hide();
-    m_cancelProgress = new QToolButton(this);
-    m_cancelProgress->setObjectName(QStringLiteral("cancelProgress"));
-    m_cancelProgress->setText(QStringLiteral("Stop"));
-    m_cancelProgress->hide();
-    QObject::connect(m_cancelProgress, &QToolButton::clicked, this, [this] { m_cancelled = true; });
     statusBar()->addWidget(m_coordinates);
     for (QAction* action : { m_aids->snap(), m_aids->ortho(), m_aids->polar() }) {
         auto* button = new QToolButton(this);
@@ -306,32 +296,8 @@ void KcUiMainWindow::makeStatusBar()
         button->setFocusPolicy(Qt::NoFocus);
         statusBar()->addPermanentWidget(button);
     }
-    statusBar()->addPermanentWidget(m_progress);
-    statusBar()->addPermanentWidget(m_cancelProgress);
+    m_progress.addTo(*statusBar());
 }
-
-void KcUiMainWindow::show(const QString& label, int percent)
-{
-    if (m_progress->isHidden()) {
-        m_cancelled = false;
-        m_progress->show();
-        m_cancelProgress->show();
-    }
-    m_progress->setFormat(label.isEmpty() ? QStringLiteral("%p%") : label + QStringLiteral(" %p%"));
-    m_progress->setValue(percent);
-    // The window stays alive while a command computes; what is typed and clicked meanwhile waits, but for the
-    // stop button.
-    QApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
-}
-
-void KcUiMainWindow::clear()
-{
-    m_progress->hide();
-    m_cancelProgress->hide();
-    m_cancelled = false;
-}
-
-// Panels and lists.
 
 void KcUiMainWindow::makePanels()
 {

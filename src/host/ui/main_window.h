@@ -2,8 +2,8 @@
 #pragma once
 
 #include "ed/documents.h"
-#include "ed/status_bar.h"
 #include "ui/autosave.h"
+#include "ui/progress_meter.h"
 #include "ui/window_source.h"
 
 #include <QMainWindow>
@@ -14,14 +14,10 @@ class KcUiDraftingAids;
 class KcUiLayerPanel;
 class KcUiPropertyPanel;
 class QLabel;
-class QProgressBar;
 class QTabBar;
-class QToolButton;
 
-class KcUiMainWindow : public QMainWindow, private KcEdProgressSink {
+class KcUiMainWindow : public QMainWindow {
 public:
-    using QMainWindow::show;
-
     KcUiMainWindow();
     ~KcUiMainWindow() override;
 
@@ -50,11 +46,6 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    // KcEdProgressSink
-    void show(const QString& label, int percent) override;
-    void clear() override;
-    bool isCancelled() override { return m_cancelled; }
-
     void makeMenus();
     void makePanels();
     void makeStatusBar();
@@ -78,12 +69,10 @@ private:
     KcUiDraftingAids* m_aids;
     KcUiAutosave m_autosave;
     QLabel* m_coordinates;
-    QProgressBar* m_progress;
-    QToolButton* m_cancelProgress;
+    KcUiProgressMeter m_progress;
     QTabBar* m_tabs;
     QMenu* m_recentMenu = nullptr;
     QString m_recent; ///< the drawing remembered last
-    bool m_cancelled = false;
     bool m_closing = false;
     bool m_tracking = false; ///< the prompt shown last follows the cursor
 };
