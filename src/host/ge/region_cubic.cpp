@@ -208,6 +208,16 @@ private:
 
 } // namespace
 
+std::array<KcGePoint2d, 4> Cubic::controlPoints(double from, double to) const
+{
+    // The symmetric function of three parameters whose value at (t, t, t) is the point at t.
+    const auto polar = [&](double r, double s, double t) {
+        return KcGePoint2d() + c[0] + c[1] * ((r + s + t) / 3.0) + c[2] * ((r * s + s * t + t * r) / 3.0)
+            + c[3] * (r * s * t);
+    };
+    return { polar(from, from, from), polar(from, from, to), polar(from, to, to), polar(to, to, to) };
+}
+
 Cubic Cubic::through(KcGePoint2d p0, KcGePoint2d p1, KcGePoint2d p2, KcGePoint2d p3)
 {
     // Newton's interpolation at thirds, written out; differences keep far coordinates exact.

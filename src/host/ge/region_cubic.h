@@ -18,6 +18,8 @@ struct Cubic {
 
     /// The cubic through the points at 0, a third, two thirds and 1.
     static Cubic through(KcGePoint2d p0, KcGePoint2d p1, KcGePoint2d p2, KcGePoint2d p3);
+    /// The control points of a stretch (L. Ramshaw's blossoms, 1987).
+    std::array<KcGePoint2d, 4> controlPoints(double from, double to) const;
     /// The nearest point's parameter, for a curve without turning points.
     double closest(KcGePoint2d point) const;
     /// Half the integral of x·dy − y·dx, about a point; exact.

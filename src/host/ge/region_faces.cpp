@@ -33,6 +33,7 @@ RegionFaces::RegionFaces(RegionNet& net, RegionMonitor& monitor)
         linkAroundNodes();
         traceLoops(monitor);
     }
+    m_next = {}; // every step with large tables of its own begins with what earlier ones gave back
     if (!monitor.stopped())
         findParents(monitor);
     if (!monitor.stopped())
@@ -208,7 +209,6 @@ void RegionFaces::collectRegions()
             around = kNone;
         m_regions[regionOf[i]].parent = around == kNone ? kNone : regionOf[around];
     }
-    m_next = {};
     m_loopOf = {};
     m_loops = {};
     m_insideOf = {};

@@ -161,14 +161,12 @@ void RegionFaces::findParents(RegionMonitor& monitor)
     std::sort(probes.begin(), probes.end(), [](const Probe& a, const Probe& b) { return a.point.x < b.point.x; });
     std::vector<uint32_t> around(m_component.size(), kNone); // by component
     if (probes.size() > 1) {
-        std::vector<KcGeExtents2d> boxes(edges.size());
-        for (uint32_t e = 0; e < edges.size(); ++e) {
-            boxes[e] = pieces.extents(pieces[edges[e].piece], edges[e].from, edges[e].to);
-            boxes[e].addPoint(m_net.nodes()[edges[e].start]);
-            boxes[e].addPoint(m_net.nodes()[edges[e].end]);
-        }
-        const ScatteredBoxes tree(boxes);
-        boxes = {};
+        const ScatteredBoxes tree(edges.size(), [&](uint32_t e) {
+            KcGeExtents2d box = pieces.extents(pieces[edges[e].piece], edges[e].from, edges[e].to);
+            box.addPoint(m_net.nodes()[edges[e].start]);
+            box.addPoint(m_net.nodes()[edges[e].end]);
+            return box;
+        });
         for (size_t i = 0; i < probes.size(); ++i) {
             if (!monitor.goesOn(i, probes.size()))
                 return;

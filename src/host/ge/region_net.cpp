@@ -111,20 +111,27 @@ void RegionNet::makeTree()
     }
     m_pieceOfEntry.clear();
     m_pieceOfEntry.reserve(m_pieces.size());
-    std::vector<KcGeExtents2d> boxes;
-    boxes.reserve(m_pieces.size());
     for (uint32_t i = 0; i < m_pieces.size(); ++i) {
         const KcGeExtents2d box = m_pieces.extents(m_pieces[i]);
         const double side = std::min(box.max.x - box.min.x, box.max.y - box.min.y);
         const int count
             = side > longSide ? int(std::min(side / longSide + 1.0, double(kMostBoxesOfPiece))) : 1;
-        for (int k = 0; k < count; ++k) {
-            boxes.push_back(
-                count == 1 ? box : m_pieces.extents(m_pieces[i], double(k) / count, double(k + 1) / count));
-            m_pieceOfEntry.push_back(i);
-        }
+        m_pieceOfEntry.insert(m_pieceOfEntry.end(), size_t(count), i);
     }
-    m_tree = ScatteredBoxes(boxes);
+    m_tree = ScatteredBoxes(m_pieceOfEntry.size(), [&](uint32_t entry) { return boxOfEntry(entry); });
+}
+
+/// A long piece has several entries in a row, which share it among themselves.
+KcGeExtents2d RegionNet::boxOfEntry(size_t entry) const
+{
+    const uint32_t piece = m_pieceOfEntry[entry];
+    size_t begin = entry, end = entry + 1;
+    while (begin > 0 && m_pieceOfEntry[begin - 1] == piece)
+        --begin;
+    while (end < m_pieceOfEntry.size() && m_pieceOfEntry[end] == piece)
+        ++end;
+    const double count = double(end - begin), index = double(entry - begin);
+    return m_pieces.extents(m_pieces[piece], index / count, (index + 1.0) / count);
 }
 
 void RegionNet::forgetCuts()
@@ -156,19 +163,7 @@ void RegionNet::findCuts(RegionMonitor& monitor)
         if (!monitor.goesOn(entry, m_pieceOfEntry.size()))
             return;
         const uint32_t a = m_pieceOfEntry[entry];
-        const bool whole = (entry == 0 || m_pieceOfEntry[entry - 1] != a)
-            && (entry + 1 == m_pieceOfEntry.size() || m_pieceOfEntry[entry + 1] != a);
-        size_t index = 0, count = 1;
-        if (!whole) {
-            size_t begin = entry, end = entry;
-            while (begin > 0 && m_pieceOfEntry[begin - 1] == a)
-                --begin;
-            while (end < m_pieceOfEntry.size() && m_pieceOfEntry[end] == a)
-                ++end;
-            index = entry - begin;
-            count = end - begin;
-        }
-        KcGeExtents2d box = m_pieces.extents(m_pieces[a], double(index) / double(count), double(index + 1) / double(count));
+        KcGeExtents2d box = boxOfEntry(entry);
         box.min = box.min - KcGeVector2d{ reach, reach };
         box.max = box.max + KcGeVector2d{ reach, reach };
         piecesNear(box, [&](uint32_t b) {
@@ -399,6 +394,7 @@ void RegionNet::prune()
         }
     }
     removeEdges(gone);
+    m_edges.shrink_to_fit();
 }
 
 std::vector<std::vector<double>> RegionNet::cutsByPiece() const

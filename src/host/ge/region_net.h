@@ -81,7 +81,7 @@ public:
     /// Calls `visit` with parameters in ascending order, first 0 and last 1, at which a piece is cut.
     std::vector<std::vector<double>> cutsByPiece() const;
 
-    /// Removes edges that lead nowhere, and what then leads nowhere.
+    /// Removes edges that lead nowhere, and what then leads nowhere, and gives their room back.
     void prune();
     void removeEdges(const std::vector<char>& gone);
 
@@ -118,6 +118,7 @@ private:
         double t;
     };
     void makeTree();
+    KcGeExtents2d boxOfEntry(size_t entry) const;
     void cutPair(uint32_t a, uint32_t b);
     void sortCuts();
     bool splitAtNodesBeside(const RegionIncidence& at);

@@ -17,15 +17,26 @@ constexpr double kSameCurve = 1e-3;
 
 void RegionPieces::sortAlongCurve()
 {
-    std::vector<KcGePoint2d> middles;
-    middles.reserve(m_pieces.size());
-    for (const RegionPiece& piece : m_pieces)
-        middles.push_back(piece.start + (piece.end - piece.start) / 2.0);
-    std::vector<RegionPiece> sorted;
-    sorted.reserve(m_pieces.size());
-    for (const uint32_t i : orderAlongCurve(middles))
-        sorted.push_back(m_pieces[i]);
-    m_pieces = std::move(sorted);
+    std::erase_if(m_pieces, [](const RegionPiece& piece) {
+        const KcGeVector2d way = piece.end - piece.start;
+        return !std::isfinite(way.x) || !std::isfinite(way.y); // too large to be worked with
+    });
+    std::vector<uint32_t> from = orderAlongCurve(m_pieces.size(), [&](uint32_t i) {
+        return m_pieces[i].start + (m_pieces[i].end - m_pieces[i].start) / 2.0;
+    });
+    // In place, ring by ring: a second set of pieces would be the largest thing in memory.
+    for (uint32_t first = 0; first < from.size(); ++first) {
+        if (from[first] == first)
+            continue;
+        const RegionPiece kept = m_pieces[first];
+        uint32_t to = first;
+        while (from[to] != first) {
+            m_pieces[to] = m_pieces[from[to]];
+            to = std::exchange(from[to], to);
+        }
+        m_pieces[to] = kept;
+        from[to] = to;
+    }
 }
 
 void RegionPieces::add(const KcGeSegment2d& segment, uint32_t source)
@@ -107,7 +118,6 @@ void RegionPieces::appendSmooth(KcGeSegment2d part, double from, double to, uint
     piece.end = part.endPoint();
     piece.center = { from, to };
     piece.source = source;
-    piece.smooth = uint32_t(m_smooth.size());
     const Cubic cubic
         = Cubic::through(piece.start, part.pointAt(1.0 / 3.0), part.pointAt(2.0 / 3.0), piece.end);
     // Whatever runs as a cubic is one: most splines do, ellipses and rational splines do not.
@@ -115,10 +125,16 @@ void RegionPieces::appendSmooth(KcGeSegment2d part, double from, double to, uint
     const bool isCubic = cubic.at(1.0 / 6.0).distanceTo(part.pointAt(1.0 / 6.0)) <= slack
         && cubic.at(0.5).distanceTo(part.pointAt(0.5)) <= slack
         && cubic.at(5.0 / 6.0).distanceTo(part.pointAt(5.0 / 6.0)) <= slack;
-    piece.kind = isCubic ? Kind::Cubic : Kind::Smooth;
+    if (isCubic) {
+        piece.kind = Kind::Cubic;
+        piece.smooth = uint32_t(m_cubics.size());
+        m_cubics.push_back(cubic);
+    } else {
+        piece.kind = Kind::Smooth;
+        piece.smooth = uint32_t(m_smooth.size());
+        m_smooth.push_back(std::move(part));
+    }
     m_pieces.push_back(piece);
-    m_smooth.push_back(std::move(part));
-    m_cubics.push_back(cubic);
 }
 
 KcGePoint2d RegionPieces::at(const RegionPiece& piece, double t) const
@@ -285,7 +301,16 @@ KcGeSegment2d RegionPieces::segment(const RegionPiece& piece, double from, doubl
         return KcGeSegment2d::line(at(piece, from), at(piece, to));
     case Kind::Arc:
         return KcGeSegment2d::bulge(at(piece, from), at(piece, to), std::tan(piece.sweep * (to - from) / 4.0));
-    case Kind::Cubic:
+    case Kind::Cubic: {
+        KcGeNurbsCurve3d curve;
+        curve.knots = { 0.0, 0.0, 0.0, 0.0, 1.0, 1.0, 1.0, 1.0 };
+        for (const KcGePoint2d p : m_cubics[piece.smooth].controlPoints(from, to))
+            curve.controlPoints.push_back({ p.x, p.y, 0.0 });
+        const KcGePoint2d start = at(piece, from), end = at(piece, to); // exact
+        curve.controlPoints.front() = { start.x, start.y, 0.0 };
+        curve.controlPoints.back() = { end.x, end.y, 0.0 };
+        return KcGeSegment2d::spline(curve).value_or(KcGeSegment2d::line(start, end));
+    }
     case Kind::Smooth:
         break;
     }

@@ -22,7 +22,7 @@ struct RegionPiece {
     double radius = 0.0;
     double startAngle = 0.0, sweep = 0.0; ///< of an arc, counter-clockwise: the sweep lies in (0, π]
     uint32_t source = kNoSource; ///< number of the segment it was cut from
-    uint32_t smooth = 0; ///< of a smooth piece: its place in its collection
+    uint32_t smooth = 0; ///< of a smooth piece: its place among those of its kind in its collection
     Kind kind = Kind::Line;
 };
 
@@ -44,6 +44,7 @@ public:
     /// Puts the pieces into the order of a curve that fills the plane.
     void sortAlongCurve();
 
+    /// Room that is not used costs address space only.
     void reserve(size_t pieces) { m_pieces.reserve(pieces); }
     size_t size() const { return m_pieces.size(); }
     const RegionPiece& operator[](size_t i) const { return m_pieces[i]; }
@@ -94,8 +95,8 @@ private:
     KcGePoint2d m_origin;
     double m_tolerance;
     std::vector<RegionPiece> m_pieces;
-    std::vector<KcGeSegment2d> m_smooth;
-    std::vector<Cubic> m_cubics; ///< what the smooth ones are, where they are cubics
+    std::vector<KcGeSegment2d> m_smooth; ///< the smooth ones that are no cubics
+    std::vector<Cubic> m_cubics;
 };
 
 } // namespace kcge

@@ -52,7 +52,7 @@ struct Workshop {
         , pieces(origin, tolerances.onCurve)
         , net(pieces, tolerances)
     {
-        pieces.reserve(segments.size());
+        pieces.reserve(2 * segments.size());
         for (uint32_t i = 0; i < segments.size(); ++i)
             pieces.add(segments[i], i);
     }

@@ -29,31 +29,13 @@ uint32_t hilbertPosition(uint32_t x, uint32_t y)
 
 } // namespace
 
-std::vector<uint32_t> orderAlongCurve(const std::vector<KcGePoint2d>& points)
+uint32_t positionAlongCurve(KcGePoint2d point, const KcGeExtents2d& all)
 {
-    KcGeExtents2d all;
-    for (const KcGePoint2d p : points)
-        if (std::isfinite(p.x) && std::isfinite(p.y))
-            all.addPoint(p);
-    if (all.isEmpty())
-        return {};
     constexpr double kCells = 65535.0;
     const double width = std::max(all.max.x - all.min.x, std::numeric_limits<double>::min());
     const double height = std::max(all.max.y - all.min.y, std::numeric_limits<double>::min());
-    std::vector<uint64_t> keys;
-    keys.reserve(points.size());
-    for (uint32_t i = 0; i < points.size(); ++i) {
-        if (!std::isfinite(points[i].x) || !std::isfinite(points[i].y))
-            continue;
-        const uint32_t x = uint32_t((points[i].x - all.min.x) / width * kCells);
-        const uint32_t y = uint32_t((points[i].y - all.min.y) / height * kCells);
-        keys.push_back(uint64_t(hilbertPosition(x, y)) << 32 | i);
-    }
-    std::sort(keys.begin(), keys.end());
-    std::vector<uint32_t> order(keys.size());
-    for (size_t i = 0; i < keys.size(); ++i)
-        order[i] = uint32_t(keys[i]);
-    return order;
+    return hilbertPosition(
+        uint32_t((point.x - all.min.x) / width * kCells), uint32_t((point.y - all.min.y) / height * kCells));
 }
 
 ScatteredBoxes::Box ScatteredBoxes::rounded(const KcGeExtents2d& box)
@@ -68,18 +50,8 @@ ScatteredBoxes::Box ScatteredBoxes::rounded(const KcGeExtents2d& box)
     return {down(box.min.x), down(box.min.y), -down(-box.max.x), -down(-box.max.y)};
 }
 
-void ScatteredBoxes::build(const std::vector<KcGeExtents2d>& boxes)
+void ScatteredBoxes::makeLevels()
 {
-    std::vector<KcGePoint2d> middles;
-    middles.reserve(boxes.size());
-    for (const KcGeExtents2d& box : boxes) // no number for an empty box
-        middles.push_back({(box.min.x + box.max.x) / 2.0, (box.min.y + box.max.y) / 2.0});
-    m_order = orderAlongCurve(middles);
-    if (m_order.empty())
-        return;
-    m_levels.emplace_back(m_order.size());
-    for (size_t i = 0; i < m_order.size(); ++i)
-        m_levels[0][i] = rounded(boxes[m_order[i]]);
     while (m_levels.back().size() > kFan) {
         const std::vector<Box>& below = m_levels.back();
         std::vector<Box> level((below.size() + kFan - 1) / kFan);

@@ -9,12 +9,50 @@
 
 namespace kcge {
 
+/// The position of a point on a Hilbert curve over a box, which must hold it.
+uint32_t positionAlongCurve(KcGePoint2d point, const KcGeExtents2d& all);
+
+/// The numbers 0 … count − 1 in the order in which a Hilbert curve over all points passes by what `pointOf(number)`
+/// gives; points that are no numbers are left out.
+template <class PointOf> std::vector<uint32_t> orderAlongCurve(size_t count, PointOf pointOf)
+{
+    const auto isFinite = [](KcGePoint2d p) { return std::isfinite(p.x) && std::isfinite(p.y); };
+    KcGeExtents2d all;
+    for (uint32_t i = 0; i < count; ++i)
+        if (const KcGePoint2d p = pointOf(i); isFinite(p))
+            all.addPoint(p);
+    std::vector<uint64_t> keys;
+    keys.reserve(count);
+    for (uint32_t i = 0; i < count; ++i)
+        if (const KcGePoint2d p = pointOf(i); isFinite(p))
+            keys.push_back(uint64_t(positionAlongCurve(p, all)) << 32 | i);
+    std::sort(keys.begin(), keys.end());
+    return std::vector<uint32_t>(keys.begin(), keys.end()); // the lower halves
+}
+
 /// Built once over boxes 0 … n − 1, which need no order of their own (`KcGeBoxTree` is for rows).
 class ScatteredBoxes {
 public:
     ScatteredBoxes() = default;
-    /// Empty boxes and boxes that are no numbers are never found.
-    explicit ScatteredBoxes(const std::vector<KcGeExtents2d>& boxes) { build(boxes); }
+    /// The boxes that `boxOf(index)` gives, which is asked twice for each, so that nobody has to hold them. Empty boxes
+    /// and boxes that are no numbers are never found.
+    template <class BoxOf> ScatteredBoxes(size_t count, BoxOf boxOf)
+    {
+        m_order = orderAlongCurve(count, [&](uint32_t i) {
+            const KcGeExtents2d box = boxOf(i); // the middle of an empty one is no number
+            return KcGePoint2d((box.min.x + box.max.x) / 2.0, (box.min.y + box.max.y) / 2.0);
+        });
+        if (m_order.empty())
+            return;
+        m_levels.emplace_back(m_order.size());
+        for (size_t i = 0; i < m_order.size(); ++i)
+            m_levels[0][i] = rounded(boxOf(m_order[i]));
+        makeLevels();
+    }
+    explicit ScatteredBoxes(const std::vector<KcGeExtents2d>& boxes)
+        : ScatteredBoxes(boxes.size(), [&](uint32_t i) { return boxes[i]; })
+    {
+    }
 
     /// Calls `visit(index)` for the boxes that share a point with the box, possibly also for ones that lie off by
     /// the rounding.
@@ -52,7 +90,7 @@ private:
     static constexpr size_t kFan = 8;
 
     static Box rounded(const KcGeExtents2d& box);
-    void build(const std::vector<KcGeExtents2d>& boxes);
+    void makeLevels();
 
     template <class Meets, class Visit> void walk(Meets meets, Visit& visit) const
     {
@@ -94,7 +132,9 @@ private:
         for (size_t i = first; i < last; ++i)
             if (const double d = distance(m_levels[level][i]); d < best)
                 entries[count++] = {i, d};
-        std::sort(entries, entries + count, [](const Entry& a, const Entry& b) { return a.distance < b.distance; });
+        for (size_t i = 1; i < count; ++i) // of so few, by putting each in its place
+            for (size_t k = i; k > 0 && entries[k].distance < entries[k - 1].distance; --k)
+                std::swap(entries[k], entries[k - 1]);
         for (size_t i = 0; i < count && entries[i].distance < best; ++i) {
             const size_t child = entries[i].index * kFan;
             if (level == 0)
@@ -109,9 +149,5 @@ private:
     std::vector<uint32_t> m_order; ///< along the curve
     std::vector<std::vector<Box>> m_levels; ///< the boxes first; the last level has at most kFan
 };
-
-/// The numbers of the points in the order in which a Hilbert curve over all of them passes by; points that are no
-/// numbers are left out.
-std::vector<uint32_t> orderAlongCurve(const std::vector<KcGePoint2d>& points);
 
 } // namespace kcge
