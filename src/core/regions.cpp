@@ -5,6 +5,7 @@
 #include "core/curves.h"
 #include "core/prompts.h"
 #include "ge/polygon.h"
+#include "ge/region_tree.h"
 
 #include <algorithm>
 #include <numeric>
@@ -239,8 +240,6 @@ void XSearchRegionFromCurve::SearchInclusionRelation(const std::vector<KcDbObjec
     // The smallest outline that holds all of another one is directly around it.
     std::stable_sort(outlines.begin(), outlines.end(), [](const Outline& a, const Outline& b) { return a.area < b.area; });
     const auto holds = [](const Outline& outer, const Outline& inner) {
-        if (!outer.box.contains(inner.box))
-            return false;
         bool inside = false;
         for (const KcGeSegment2d& piece : inner.pieces)
             for (const double t : { 0.0, 0.5 }) {
@@ -251,16 +250,21 @@ void XSearchRegionFromCurve::SearchInclusionRelation(const std::vector<KcDbObjec
             }
         return inside; // a copy of the outline is not in it
     };
-    std::vector<KcGeExtents2d> boxes;
-    for (const Outline& outline : outlines)
-        boxes.push_back(outline.box);
+    const kcge::ScatteredBoxes tree(outlines.size(), [&](uint32_t i) { return outlines[i].box; });
+    std::vector<uint32_t> larger;
     map.clear();
-    for (size_t i = 0; i < outlines.size(); ++i)
-        for (size_t k = i + 1; k < outlines.size(); ++k)
-            if (boxes[k].contains(boxes[i]) && holds(outlines[k], outlines[i])) {
-                map[outlines[k].index].push_back(outlines[i].index);
-                break;
-            }
+    for (uint32_t i = 0; i < outlines.size(); ++i) {
+        larger.clear();
+        tree.overlapping(outlines[i].box, [&](uint32_t other) {
+            if (other > i && outlines[other].box.contains(outlines[i].box))
+                larger.push_back(other);
+        });
+        std::sort(larger.begin(), larger.end());
+        const auto around = std::find_if(
+            larger.begin(), larger.end(), [&](uint32_t k) { return holds(outlines[k], outlines[i]); });
+        if (around != larger.end())
+            map[outlines[*around].index].push_back(outlines[i].index);
+    }
     for (auto& [outer, inside] : map)
         std::sort(inside.begin(), inside.end());
 }
