@@ -221,3 +221,69 @@ TEST(DrawnMText, HostileContents)
         EXPECT_EQ(drawn(flat).missing.size(), 1);
     }
 }
+
+namespace {
+
+KcDbMText inColumns(const QString& contents, KcDbMTextColumns columns, double definedHeight = 0.0)
+{
+    KcDbMText text = paragraph(contents, 500.0);
+    text.data().definedHeight = definedHeight;
+    columns.width = 100.0;
+    columns.gutter = 20.0;
+    text.data().columns = std::make_shared<const KcDbMTextColumns>(std::move(columns));
+    return text;
+}
+
+/// Where the texts stand: column and line, counted from 0.
+std::vector<std::pair<int, int>> places(const KcDbMText& text)
+{
+    std::vector<std::pair<int, int>> result;
+    for (const KcGiTextRun& run : drawn(text).texts)
+        result.emplace_back(
+            int(std::lround(run.origin.x / 120.0)),
+            int(std::lround((-10.0 - run.origin.y) / KcGi::lineSpacing(10.0))));
+    return result;
+}
+
+using Places = std::vector<std::pair<int, int>>;
+
+} // namespace
+
+// Texts in columns were one long column as wide as all of them together.
+TEST(DrawnMText, ColumnsFillOneAfterTheOther)
+{
+    using Kind = KcDbMTextColumns::Kind;
+    const QString five = QStringLiteral("a\\Pb\\Pc\\Pd\\Pe");
+    // Two lines go into 30: base lines at 10 and 26.7.
+    KcDbMTextColumns fixed{ Kind::kStatic, 2 };
+    EXPECT_EQ(
+        places(inColumns(five, fixed, 30)), (Places{ { 0, 0 }, { 0, 1 }, { 1, 0 }, { 1, 1 }, { 1, 2 } }))
+        << "the last static column takes what is left";
+    fixed.reversed = true;
+    EXPECT_EQ(places(inColumns(five, fixed, 30)).front(), (std::pair{ 1, 0 }));
+    KcDbMTextColumns growing{ Kind::kDynamic, 1 };
+    growing.autoHeight = true;
+    EXPECT_EQ(
+        places(inColumns(five, growing, 30)), (Places{ { 0, 0 }, { 0, 1 }, { 1, 0 }, { 1, 1 }, { 2, 0 } }));
+    KcDbMTextColumns own{ Kind::kDynamic, 3 };
+    own.heights = { 12, 45, 0 };
+    EXPECT_EQ(places(inColumns(five, own)), (Places{ { 0, 0 }, { 1, 0 }, { 1, 1 }, { 1, 2 }, { 2, 0 } }));
+    // Breaks that the text asks for, and lines that break at the column's width.
+    EXPECT_EQ(
+        places(inColumns(QStringLiteral("a\\Nb"), KcDbMTextColumns{ Kind::kStatic, 2 })),
+        (Places{ { 0, 0 }, { 1, 0 } }));
+    EXPECT_GT(inColumns(QStringLiteral("树").repeated(30), growing).layout().lines.size(), 3u);
+    // The frame that the attachment refers to is that of all columns; scaled, they stay columns.
+    KcDbMText right = inColumns(five, fixed, 30);
+    right.data().attachment = 3;
+    EXPECT_NEAR(right.layout().right, 0.0, kNear);
+    EXPECT_NEAR(drawn(right).texts[2].origin.x + right.layout().lines[2].width, -120.0, kNear);
+    KcDbMText large = inColumns(five, own);
+    ASSERT_EQ(large.transformBy(KcGeMatrix3d::scaling({ 3, 3, 3 })), Kcad::eOk);
+    EXPECT_EQ(large.layout().lines.size(), 5u);
+    EXPECT_NEAR(drawn(large).texts.back().origin.x, 720.0, 1e-6);
+    // Widths and counts of damaged files.
+    KcDbMTextColumns damaged{ Kind::kDynamic, 2'000'000'000 };
+    damaged.heights.assign(10, -1.0);
+    EXPECT_EQ(places(inColumns(five, damaged)).size(), 5u);
+}

@@ -13,6 +13,11 @@ void KcDbMText::setContents(const QString& contents)
     m_data.contents = contents;
     // What another program computed was about the contents before.
     m_data.actualWidth = m_data.actualHeight = 0.0;
+    if (m_data.columns) {
+        auto columns = std::make_shared<KcDbMTextColumns>(*m_data.columns);
+        columns->totalWidth = columns->totalHeight = 0.0;
+        m_data.columns = std::move(columns);
+    }
 }
 
 std::vector<KcDbMTextRun> KcDbMText::runs() const
@@ -37,7 +42,10 @@ KcDbMTextLayout KcDbMText::layout() const
     if (!(m_data.height > 0.0) || !std::isfinite(m_data.height))
         return {}; // damaged: nothing can be set
     KcDbMTextFrame frame;
-    frame.width = m_data.width > 0.0 && std::isfinite(m_data.width) ? m_data.width : 0.0;
+    const double width = m_data.columnWidth > 0.0 ? m_data.columnWidth : m_data.width;
+    frame.width = width > 0.0 && std::isfinite(width) ? width : 0.0;
+    frame.columns = m_data.columns.get();
+    frame.definedHeight = m_data.definedHeight;
     frame.height = m_data.height;
     frame.attachment = m_data.attachment;
     frame.spacingFactor = m_data.lineSpacingFactor > 0.0 ? m_data.lineSpacingFactor : 1.0;
@@ -145,5 +153,6 @@ Kcad::ErrorStatus KcDbMText::transformBy(const KcGeMatrix3d& matrix)
     m_data.actualHeight *= heightFactor;
     m_data.width *= width;
     m_data.actualWidth *= width;
+    scaleColumns(width, heightFactor);
     return Kcad::eOk;
 }

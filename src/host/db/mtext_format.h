@@ -80,8 +80,26 @@ struct KcDbMTextLayout {
     double height = 0.0; ///< from the top of the first line's capitals to the last base line
 };
 
+/// The columns of a multiline text that holds the contents of all of them.
+struct KcDbMTextColumns {
+    enum class Kind { kNone, kStatic, kDynamic };
+    Kind kind = Kind::kNone;
+    int count = 1; ///< static ones are as many; dynamic ones become as many as the text needs
+    double width = 0.0; ///< of each
+    double gutter = 0.0; ///< between two
+    bool autoHeight = false; ///< dynamic ones are all as high as the text's defined height
+    bool reversed = false; ///< the first one stands at the right
+    std::vector<double> heights; ///< of dynamic ones, one by one; 0: endless
+    double totalWidth = 0.0, totalHeight = 0.0; ///< as last computed by the program that wrote the file
+
+    /// The height that a column has room for, numbered from 0; infinite for the last one.
+    double heightOf(size_t column, double definedHeight) const;
+};
+
 struct KcDbMTextFrame {
     double width = 0.0; ///< lines break here; 0: they do not
+    const KcDbMTextColumns* columns = nullptr; ///< null: none; their width wins
+    double definedHeight = 0.0; ///< of columns without heights of their own
     double height = 1.0; ///< the text's own height: the unit of indents and of exact line spacing
     int attachment = 1; ///< 1 top left, 2 top centre, … 9 bottom right
     double spacingFactor = 1.0;

@@ -48,6 +48,13 @@ public:
         : m_runs(runs)
         , m_frame(frame)
     {
+        using Kind = KcDbMTextColumns::Kind;
+        const KcDbMTextColumns* columns = frame.columns;
+        if (columns && columns->kind != Kind::kNone && columns->width > 0.0
+            && std::isfinite(columns->width)) {
+            m_columns = columns;
+            m_frame.width = columns->width;
+        }
     }
 
     KcDbMTextLayout set()
@@ -75,6 +82,7 @@ public:
             case KcDbMTextRun::Kind::kParagraphEnd:
             case KcDbMTextRun::Kind::kColumnEnd:
                 breakParagraph(paragraph, run);
+                m_pending.back().endsColumn = run.kind == KcDbMTextRun::Kind::kColumnEnd;
                 paragraph.clear();
                 break;
             }
@@ -307,6 +315,37 @@ private:
             add(kStrike);
     }
 
+    /// Gives each line its column and its base line below the top; returns how many columns there are.
+    size_t stackLines()
+    {
+        constexpr size_t kMostColumns = 1000;
+        const size_t given = m_columns ? size_t(std::clamp(m_columns->count, 1, int(kMostColumns))) : 1;
+        const size_t most
+            = m_columns && m_columns->kind == KcDbMTextColumns::Kind::kDynamic ? kMostColumns : given;
+        QString text;
+        size_t column = 0;
+        double y = 0.0;
+        bool begins = true;
+        for (size_t i = 0; i < m_pending.size(); ++i) {
+            Pending& line = m_pending[i];
+            const double height = m_frame.exactSpacing ? m_frame.height : line.height;
+            double next = begins ? -line.height : y - KcGi::lineSpacing(height, m_frame.spacingFactor);
+            if (m_columns && !begins && column + 1 < most
+                && -next > m_columns->heightOf(column, m_frame.definedHeight)
+                        * (1.0 + KcGeContext::gTol.equalVector)) {
+                ++column;
+                next = -line.height;
+            }
+            y = next;
+            line.column = column;
+            m_layout.lines[i].baseline = y;
+            m_layout.height = std::max(m_layout.height, -y);
+            begins = m_columns && line.endsColumn && column + 1 < most;
+            column += begins;
+        }
+        return std::max(given, column + 1);
+    }
+
     /// Moves the lines to their places about the attachment point.
     void finish()
     {
@@ -318,17 +357,9 @@ private:
         const double frameWidth = m_frame.width > 0.0 ? m_frame.width : widest;
         const int attachment = m_frame.attachment >= 1 && m_frame.attachment <= 9 ? m_frame.attachment : 1;
         const int column = (attachment - 1) % 3, row = (attachment - 1) / 3;
-        const double originX = -frameWidth * column / 2.0;
-
-        double y = -m_pending.front().height;
-        for (size_t i = 0; i < m_pending.size(); ++i) {
-            if (i > 0) {
-                const double height = m_frame.exactSpacing ? m_frame.height : m_pending[i].height;
-                y -= KcGi::lineSpacing(height, m_frame.spacingFactor);
-            }
-            m_layout.lines[i].baseline = y;
-        }
-        m_layout.height = -y;
+        const size_t columns = stackLines();
+        const double step = columns > 1 ? m_columns->width + std::max(0.0, m_columns->gutter) : 0.0;
+        const double originX = -(frameWidth + double(columns - 1) * step) * column / 2.0;
         const double originY = m_layout.height * row / 2.0;
         m_layout.left = std::numeric_limits<double>::infinity();
         m_layout.right = -m_layout.left;
@@ -341,7 +372,9 @@ private:
             const double right
                 = pending.paragraph ? std::max(0.0, pending.paragraph->rightIndent * m_frame.height) : 0.0;
             const double spare = frameWidth - right - pending.indent - pending.width;
-            double shift = originX;
+            const size_t at
+                = columns > 1 && m_columns->reversed ? columns - 1 - pending.column : pending.column;
+            double shift = originX + double(at) * step;
             if (alignment == 'c')
                 shift += spare / 2.0;
             else if (alignment == 'r')
@@ -366,6 +399,8 @@ private:
         }
         if (m_layout.left > m_layout.right)
             m_layout.left = m_layout.right = 0.0;
+        if (columns > 1)
+            m_layout.width = m_layout.right - m_layout.left;
         m_layout.top = originY;
         m_layout.bottom = originY - m_layout.height;
     }
@@ -375,10 +410,13 @@ private:
         double indent = 0.0, width = 0.0, height = 0.0;
         size_t firstPiece = 0, endPiece = 0, firstRule = 0, endRule = 0;
         QString text;
+        size_t column = 0;
+        bool endsColumn = false;
     };
 
     const std::vector<KcDbMTextRun>& m_runs;
-    const KcDbMTextFrame& m_frame;
+    KcDbMTextFrame m_frame;
+    const KcDbMTextColumns* m_columns = nullptr; ///< null: none
     KcDbMTextLayout m_layout;
     std::vector<Pending> m_pending;
 };

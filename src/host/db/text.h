@@ -144,6 +144,10 @@ public:
         double fillFactor = 1.5;
         int fillColor = 256;
         double actualWidth = 0.0, actualHeight = 0.0; ///< as last computed by the program that wrote the file; 0: unknown
+        /// Lines break here instead of at `width` where the text is one of several columns, which files before 2018
+        /// hold as texts of their own; 0: it is none.
+        double columnWidth = 0.0;
+        std::shared_ptr<const KcDbMTextColumns> columns; ///< of a text that holds those of its contents itself; or null
     };
     KCDB_ENTITY_DATA
     void worldDraw(KcGiWorldDraw& draw) const override;
@@ -165,7 +169,18 @@ public:
     std::vector<KcDbMTextRun> runs() const;
     /// The text set into lines; `textTransform` leads from its coordinates to world coordinates.
     KcDbMTextLayout layout() const;
+    /// In files before 2018 the text of the first column tells the width of all, and names the texts of the others.
+    struct ColumnNote {
+        double width = 0.0; ///< 0: the text says nothing of columns
+        std::vector<KcDbObjectId> others;
+    };
+    ColumnNote columnNote() const;
+    /// Takes away what the text says of other columns in its file; lines break where they did.
+    void forgetOtherColumns();
     /// The area behind the text that is filled or masked, in the coordinates of the layout; empty when there is none.
     KcGeExtents3d backgroundOf(const KcDbMTextLayout& set) const;
     KcGeMatrix3d textTransform() const;
+
+private:
+    void scaleColumns(double along, double up);
 };

@@ -30,6 +30,8 @@ public:
     KcDbDatabase& database;
     Strings& strings;
     KcDbVersion version;
+    /// Texts that are columns of others, and how wide those are: told by the text of the first column.
+    std::vector<std::pair<KcDbObjectId, double>> columnWidths;
     bool reportsFindings = true; ///< false while an object is read a second time for comparison
 
     QString text(const Group& group) { return strings.decode(group.text()); }

@@ -5,6 +5,7 @@
 #include "db/open.h"
 #include "db/polyline.h"
 #include "db/tables.h"
+#include "db/text.h"
 #include "dxf/drawing_file.h"
 #include "dxf/record.h"
 #include "dxf/source_file.h"
@@ -90,6 +91,9 @@ public:
                   QStringLiteral(
                       "%1 bytes of text mean nothing in the character set of the drawing; they are kept.")
                       .arg(m_file->strings->undecodable()) });
+        for (const auto& [id, width] : m_context->columnWidths)
+            if (id.isResident() && id.stub()->object->isA() == KcDbMText::desc())
+                static_cast<KcDbMText&>(*id.stub()->object).data().columnWidth = width;
         m_database.endLoading();
         reportUndefinedNames();
         m_database.completeFrame();

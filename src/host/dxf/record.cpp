@@ -7,6 +7,7 @@
 #include "db/open.h"
 #include "db/raw_entity.h"
 #include "db/tables.h"
+#include "db/text.h"
 #include "dxf/written.h"
 
 namespace dxf {
@@ -328,6 +329,13 @@ done:
     }
     if (xdata && !xdata->all().empty())
         object.setAllXData(std::move(xdata->all()));
+    if (xdata && object.isA() == KcDbMText::desc()) {
+        auto& text = static_cast<KcDbMText&>(object);
+        const KcDbMText::ColumnNote note = text.columnNote();
+        text.data().columnWidth = note.width;
+        for (const KcDbObjectId other : note.others)
+            context.columnWidths.emplace_back(other, note.width);
+    }
     return head;
 }
 

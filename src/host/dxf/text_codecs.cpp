@@ -218,6 +218,74 @@ bool readMText(KcDbMText& text, const Group& group, ReadState& state)
     }
 }
 
+// Data embedded by a later version, which repeat the place and hold the columns.
+void readColumns(KcDbMText& text, const Group& group, ReadState& state)
+{
+    using Kind = KcDbMTextColumns::Kind;
+    if (!state.own.has_value())
+        state.own = KcDbMTextColumns();
+    auto& columns = *std::any_cast<KcDbMTextColumns>(&state.own);
+    switch (group.code) {
+    case 42:
+        columns.totalWidth = group.real();
+        break;
+    case 43:
+        columns.totalHeight = group.real();
+        break;
+    case 44:
+        columns.width = group.real();
+        break;
+    case 45:
+        columns.gutter = group.real();
+        break;
+    case 46:
+        columns.heights.push_back(group.real());
+        break;
+    case 71:
+        columns.kind = group.integer() == 1 ? Kind::kStatic
+            : group.integer() == 2          ? Kind::kDynamic
+                                            : Kind::kNone;
+        break;
+    case 72:
+        columns.count = int(std::clamp<int64_t>(group.integer(), 0, std::numeric_limits<int>::max()));
+        break;
+    case 73:
+        columns.autoHeight = group.integer() != 0;
+        break;
+    case 74:
+        columns.reversed = group.integer() != 0;
+        break;
+    case 41: // where the text itself leaves it out
+        if (text.data().definedHeight == 0.0)
+            text.data().definedHeight = group.real();
+        break;
+    default:
+        break;
+    }
+}
+
+void writeColumns(const KcDbMText& text, GroupList& out)
+{
+    const KcDbMText::Data& d = text.data();
+    const KcDbMTextColumns& columns = *d.columns;
+    out.text(101, QStringLiteral("Embedded Object"));
+    out.integer(70, 1);
+    out.point(10, d.hasDirection ? d.direction : text.textTransform().axis(0));
+    out.point(11, d.location);
+    out.real(40, d.width);
+    out.real(41, d.definedHeight);
+    out.real(42, columns.totalWidth > 0.0 ? columns.totalWidth : text.actualWidth());
+    out.real(43, columns.totalHeight > 0.0 ? columns.totalHeight : text.actualHeight());
+    out.integer(71, int(columns.kind));
+    out.integer(72, columns.count);
+    out.real(44, columns.width);
+    out.real(45, columns.gutter);
+    out.integer(73, columns.autoHeight);
+    out.integer(74, columns.reversed);
+    for (const double height : columns.heights)
+        out.real(46, height);
+}
+
 void writeMText(const KcDbMText& text, GroupList& out)
 {
     const KcDbMText::Data& d = text.data();
@@ -267,13 +335,27 @@ void registerMText()
         using FieldCodec::FieldCodec;
         bool read(KcDbObject& object, const Group& group, ReadState& state) const override
         {
-            // Columns and other later classes stand in data behind marks of their own.
+            if (state.subclass == "Embedded Object") {
+                readColumns(static_cast<KcDbMText&>(object), group, state);
+                return true;
+            }
+            // Other later classes stand in data behind marks of their own.
             return (state.subclass == "" || state.subclass == "AcDbMText")
                 && FieldCodec::read(object, group, state);
         }
+        void finish(KcDbObject& object, ReadState& state) const override
+        {
+            if (auto* columns = std::any_cast<KcDbMTextColumns>(&state.own);
+                columns && columns->kind != KcDbMTextColumns::Kind::kNone)
+                static_cast<KcDbMText&>(object).data().columns
+                    = std::make_shared<const KcDbMTextColumns>(std::move(*columns));
+        }
         void write(const KcDbObject& object, GroupList& out) const override
         {
-            writeMText(static_cast<const KcDbMText&>(object), out);
+            const auto& text = static_cast<const KcDbMText&>(object);
+            writeMText(text, out);
+            if (text.data().columns && out.version() >= KcDbVersion::V2018)
+                writeColumns(text, out);
         }
     };
     registerCodec(std::make_unique<MTextCodec>(

@@ -19,19 +19,6 @@ template <class T> T* as(KcDbObject& object)
     return object.isKindOf(T::desc()) ? static_cast<T*>(&object) : nullptr;
 }
 
-// A multiline text in columns names the texts of its further columns in its extended data. Those are texts of
-// their own, so that a copy which named them too would share them with its original.
-void forgetColumns(KcDbObject& text)
-{
-    const QString application = QStringLiteral("ACAD");
-    const KcDbValueList* values = text.xdataOf(application);
-    const auto isColumnMark = [](const KcDbTypedValue& value) {
-        return value.text().startsWith(QLatin1String("ACAD_MTEXT_COLUMN"));
-    };
-    if (values && std::any_of(values->begin(), values->end(), isColumnMark))
-        text.setXData(application, {}, text.ownerId().database());
-}
-
 // A copy that nothing else refers to.
 std::unique_ptr<KcDbObject> detachedCopy(const KcDbObject& original)
 {
@@ -40,8 +27,9 @@ std::unique_ptr<KcDbObject> detachedCopy(const KcDbObject& original)
     const std::vector<KcDbObjectId> reactors = copy->reactors();
     for (const KcDbObjectId reactor : reactors)
         copy->removePersistentReactor(reactor);
-    if (as<KcDbMText>(*copy))
-        forgetColumns(*copy);
+    // The texts of further columns are texts of their own: a copy that named them would share them.
+    if (auto* text = as<KcDbMText>(*copy))
+        text->forgetOtherColumns();
     if (auto* hatch = as<KcDbHatch>(*copy)) {
         hatch->data().associative = false;
         for (KcDbHatch::Loop& loop : hatch->data().loops)
