@@ -7,6 +7,8 @@
 #include "ui/main_window.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QIcon>
 
 namespace program {
 
@@ -35,6 +37,11 @@ int window(const Arguments& arguments)
             "There is no display for the window; `verdelis run` and `verdelis shell` work without one."));
     if (!prepareCommands())
         return kFileError;
+    // By this name desktops find the entry of their menus that belongs to the window.
+    QGuiApplication::setDesktopFileName(QStringLiteral("verdelis"));
+    QGuiApplication::setWindowIcon(QIcon(
+        QCoreApplication::applicationDirPath()
+        + QStringLiteral("/../share/icons/hicolor/scalable/apps/verdelis.svg")));
     KcUiMainWindow window;
     window.show();
     const KcEdSourceScope source(window.source());

@@ -23,7 +23,7 @@ protected:
         for (const char* name : { "QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY" })
             environment.remove(name);
         process.setProcessEnvironment(environment);
-        process.start(VERDELIS_PROGRAM, arguments);
+        process.start(program, arguments);
         process.write(input);
         process.closeWriteChannel();
         if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
@@ -39,6 +39,7 @@ protected:
         return file.fileName();
     }
 
+    QString program = QStringLiteral(VERDELIS_PROGRAM);
     QTemporaryDir folder;
     const QString plan = QStringLiteral(VERDELIS_SOURCE_DIR "/examples/planting-plan.dxf");
 };

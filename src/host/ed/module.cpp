@@ -2,7 +2,7 @@
 
 #include "ed/module.h"
 
-#include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 
 #include <dlfcn.h>
@@ -69,7 +69,9 @@ KcRxObject* KcRxRegistry::at(const QString& key) const
 
 QString kcrxMainModulePath()
 {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/vdlMain.krx");
+    Dl_info here{};
+    dladdr(reinterpret_cast<const void*>(&kcrxMainModulePath), &here);
+    return QFileInfo(QFile::decodeName(here.dli_fname)).canonicalPath() + QStringLiteral("/vdlMain.krx");
 }
 
 KcRxDynamicLinker::Module* KcRxDynamicLinker::find(KcRxAppId application) const

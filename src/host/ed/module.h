@@ -54,5 +54,5 @@ public:
 
 KcRxRegistry* kcrxSysRegistry();
 KcRxDynamicLinker& kcrxDynamicLinker();
-/// The module of the program, beside the program itself.
+/// The module of the program, beside the library of the host.
 QString kcrxMainModulePath();
