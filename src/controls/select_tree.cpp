@@ -1,11 +1,43 @@
-// Check states go down as they are and up by what the siblings have in common.
+// Check states go down as they are and up by what the siblings have in common. Clicks on a check box come
+// from the delegate, as changes of the item's data; the space bar works in any column.
 
 #include "controls/select_tree.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
-#include <QMouseEvent>
-#include <QStyle>
-#include <QStyleOptionViewItem>
+
+namespace {
+
+// A screen reader says the new state of an item that is on the screen, as it does of a check box.
+void announce(CSelTreeCtrl& tree, const SelTreeItem& item)
+{
+    if (!QAccessible::isActive())
+        return;
+    QAccessibleInterface* const whole = QAccessible::queryAccessibleInterface(&tree);
+    const QPoint corner = tree.visualItemRect(&item).topLeft();
+    const QPoint place = tree.viewport()->mapToGlobal(corner + QPoint(1, 1));
+    if (QAccessibleInterface* const one = whole ? whole->childAt(place.x(), place.y()) : nullptr) {
+        QAccessible::State changed;
+        changed.checked = true;
+        QAccessibleStateChangeEvent event(one, changed);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+} // namespace
+
+CSelTreeCtrl* SelTreeItem::Tree() const
+{
+    return static_cast<CSelTreeCtrl*>(treeWidget());
+}
+
+void SelTreeItem::setData(int column, int role, const QVariant& value)
+{
+    if (column == 0 && role == Qt::CheckStateRole && Tree())
+        Tree()->Tick(*this, value.toInt() == Qt::Checked);
+    else
+        QTreeWidgetItem::setData(column, role, value);
+}
 
 CSelTreeCtrl::CSelTreeCtrl(QWidget* parent)
     : QTreeWidget(parent)
@@ -46,7 +78,11 @@ void CSelTreeCtrl::SetState(SelTreeItem& item, unsigned index)
     }
     item.m_state = index;
     static const Qt::CheckState shown[] = { Qt::Unchecked, Qt::Unchecked, Qt::PartiallyChecked, Qt::Checked };
-    item.setData(0, Qt::CheckStateRole, index == kNoBox ? QVariant() : QVariant(shown[index]));
+    item.QTreeWidgetItem::setData(
+        0, Qt::CheckStateRole, index == kNoBox ? QVariant() : QVariant(shown[index]));
+    if (const auto flags = item.flags().setFlag(Qt::ItemIsUserCheckable, index != kNoBox);
+        flags != item.flags())
+        item.setFlags(flags);
 }
 
 int CSelTreeCtrl::ChangeItemState(SelTreeItem* item, unsigned state, unsigned mask)
@@ -109,28 +145,23 @@ void CSelTreeCtrl::Toggle(SelTreeItem& item)
         TravelSiblingAndParent(&item, index);
     }
     OnTicked(item);
+    announce(*this, item);
+}
+
+void CSelTreeCtrl::Tick(SelTreeItem& item, bool on)
+{
+    if (!canTick(&item))
+        return;
+    // A click on an item that is partly ticked ticks it; unticking that takes two.
+    if (item.m_state == kPartial && !on)
+        Toggle(item);
+    if (item.m_state != unsigned(on ? kChecked : kUnchecked))
+        Toggle(item);
 }
 
 bool CSelTreeCtrl::canTick(const SelTreeItem* item)
 {
     return item && item->m_state != kNoBox && !item->isDisabled();
-}
-
-void CSelTreeCtrl::mousePressEvent(QMouseEvent* event)
-{
-    if (auto* item = static_cast<SelTreeItem*>(itemAt(event->pos()));
-        canTick(item) && event->button() == Qt::LeftButton) {
-        const QModelIndex index = indexFromItem(item, 0);
-        QStyleOptionViewItem option;
-        initViewItemOption(&option);
-        option.rect = visualRect(index);
-        option.features |= QStyleOptionViewItem::HasCheckIndicator;
-        if (style()
-                ->subElementRect(QStyle::SE_ItemViewItemCheckIndicator, &option, this)
-                .contains(event->pos()))
-            Toggle(*item);
-    }
-    QTreeWidget::mousePressEvent(event);
 }
 
 void CSelTreeCtrl::keyPressEvent(QKeyEvent* event)
@@ -184,11 +215,7 @@ QString CSelTreeCtrl::tickItem(const QString& name, bool on)
         return QStringLiteral("The item has no check box.");
     if (item.isDisabled())
         return QStringLiteral("The item is greyed: the one above it is not ticked.");
-    // A click on an item that is partly ticked ticks it; unticking that takes two.
-    if (item.m_state == kPartial && !on)
-        Toggle(item);
-    if (item.m_state != unsigned(on ? kChecked : kUnchecked))
-        Toggle(item);
+    Tick(item, on);
     return {};
 }
 

@@ -6,15 +6,20 @@
 
 #include <QTreeWidget>
 
+class CSelTreeCtrl;
+
 /// An item keeps count of the states of its children, so that ticking does not look at all of them.
 class SelTreeItem : public QTreeWidgetItem {
 public:
     using QTreeWidgetItem::QTreeWidgetItem;
     SelTreeItem* Parent() const { return static_cast<SelTreeItem*>(parent()); }
     SelTreeItem* Child(int index) const { return static_cast<SelTreeItem*>(child(index)); }
+    /// A check state that a screen reader or a script sets ticks as a click does.
+    void setData(int column, int role, const QVariant& value) override;
 
 private:
     friend class CSelTreeCtrl;
+    CSelTreeCtrl* Tree() const;
     unsigned m_state = 0;
     int m_childStates[4] = { 0, 0, 0, 0 };
     quintptr m_data = 0;
@@ -48,7 +53,6 @@ public:
     QString tickItem(const QString& path, bool on) override;
 
 protected:
-    void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     /// After the user ticked an item.
     virtual void OnTicked(SelTreeItem&) { }
@@ -56,8 +60,11 @@ protected:
     virtual bool ticksTogether() const { return true; }
 
 private:
+    friend class SelTreeItem;
     void SetState(SelTreeItem& item, unsigned index);
     void Toggle(SelTreeItem& item);
+    /// As clicks on the check box do, as many as it takes.
+    void Tick(SelTreeItem& item, bool on);
     /// Whether the user may tick an item: it has a check box and is not greyed.
     static bool canTick(const SelTreeItem* item);
 };

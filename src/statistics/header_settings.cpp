@@ -8,6 +8,7 @@
 #include "ed/dialogs.h"
 #include "ed/documents.h"
 #include "frame/module.h"
+#include "platform/message_box.h"
 #include "statistics/table_layout.h"
 
 #include <QDialogButtonBox>
@@ -57,6 +58,14 @@ void write(MarkupDocument& element, const CTbInfoStd& shown)
     element.OutOfElem();
 }
 
+std::optional<CTbInfoStd> infoOf(const QString& table, const MarkupDocument& layout)
+{
+    for (CTbInfoStd& info : tableInfoIn(layout.GetDoc()).value_or(std::vector<CTbInfoStd>()))
+        if (info.tableName() == table)
+            return std::move(info);
+    return std::nullopt;
+}
+
 } // namespace
 
 CHeaderSettingDlg::CHeaderSettingDlg(const QString& table, const MarkupDocument& layout, QWidget* parent)
@@ -91,6 +100,11 @@ CHeaderSettingDlg::CHeaderSettingDlg(const QString& table, const MarkupDocument&
     SelTreeItem* const root = m_list->AddItem(m_table, nullptr, CSelTreeCtrl::kNoBox);
     m_list->SetItemValue(*root, shownText(m_document));
     listItems(*root);
+    // An empty heading would be read as none: the name stands for it, here as in the drawing.
+    connect(m_list, &QTreeWidget::itemChanged, this, [](QTreeWidgetItem* item, int column) {
+        if (column == 1 && item->text(1).trimmed().isEmpty())
+            item->setText(1, item->text(0));
+    });
     m_list->expandAll();
     m_list->ShowWhatCounts();
     m_list->setCurrentItem(root);
@@ -130,8 +144,24 @@ void CHeaderSettingDlg::keepItems(const SelTreeItem& parent)
     m_document.OutOfElem();
 }
 
+bool CHeaderSettingDlg::showsColumns() const
+{
+    const auto* root = static_cast<const SelTreeItem*>(m_list->topLevelItem(0));
+    for (int place = 0; root && place < root->childCount(); ++place)
+        if (m_list->GetSelState(root->Child(place)) == CSelTreeCtrl::kChecked)
+            return true;
+    return false;
+}
+
 void CHeaderSettingDlg::accept()
 {
+    m_list->FinishEditing();
+    if (!showsColumns()) {
+        platform::MessageBoxW(
+            this, QStringLiteral("请至少勾选一列。"), windowTitle(), platform::MessageBoxButtons::Ok,
+            platform::MessageBoxIcon::Warning);
+        return;
+    }
     if (const auto* root = static_cast<const SelTreeItem*>(m_list->topLevelItem(0));
         root && findTable(m_document, m_table)) {
         if (m_list->GetItemValue(*root) != shownText(m_document))
@@ -160,35 +190,42 @@ void CHeaderSettingDlg::showEvent(QShowEvent* event)
     fitColumns();
 }
 
-std::optional<MarkupDocument> headersOfDrawing(const QString& table)
+platform::Result<MarkupDocument> headersOfDrawing(const QString& table)
 {
     platform::Result<MarkupDocument> layout = loadTableLayout();
-    if (!layout || !findTable(*layout, table))
-        return std::nullopt;
+    if (!layout)
+        return layout;
+    if (!findTable(*layout, table))
+        return platform::Result<MarkupDocument>::failure(
+            QStringLiteral("表格布局文件中没有“%1”。").arg(table));
     if (const auto config = GetDwgGlobal(VdlOpenMode::kForRead))
         if (const std::optional<CTbInfoStd> shown = config->GetTbInfoStd(table))
             write(*layout, *shown);
-    return std::move(layout.value);
+    return layout;
 }
 
 bool editTableHeaders(const QString& table, QWidget* parent)
 {
-    const std::optional<MarkupDocument> layout = headersOfDrawing(table);
+    const platform::Result<MarkupDocument> layout = headersOfDrawing(table);
     if (!layout) {
-        kcedSay(QStringLiteral("表格布局文件中没有“%1”，不能设置表头。").arg(table));
+        kcedSay(layout.error + QStringLiteral("不能设置表头。"));
         return false;
     }
     const KcApResourceScope resources(moduleHandle());
     CHeaderSettingDlg dialog(table, *layout, parent);
     if (kcedRunDialog(dialog) != QDialog::Accepted)
         return false;
-    const std::optional<std::vector<CTbInfoStd>> tables = tableInfoIn(dialog.document().GetDoc());
     const KcApDocLock lock;
-    const auto config = GetDwgGlobal(VdlOpenMode::kForWrite);
-    if (!tables || !lock || !config)
+    const auto config = lock ? GetDwgGlobal(VdlOpenMode::kForWrite) : nullptr;
+    const std::optional<CTbInfoStd> before = config ? config->GetTbInfoStd(table) : std::nullopt;
+    const std::optional<CTbInfoStd> edited = infoOf(table, dialog.document());
+    if (!before || !edited) {
+        kcedSay(QStringLiteral("图形当前不能修改，表头设置未保存。"));
         return false;
-    for (const CTbInfoStd& info : *tables)
-        if (info.tableName() == table)
-            return config->SetTbInfoStd(info);
-    return false;
+    }
+    // What the drawing holds of items that the document has no more stays.
+    CTbInfoStd after = *before;
+    for (const CTbInfoStd::Entry& entry : edited->entries())
+        after.Set(entry.key, entry.desc);
+    return after.entries() != before->entries() && config->SetTbInfoStd(after);
 }

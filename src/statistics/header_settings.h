@@ -3,6 +3,7 @@
 
 #include "core/table_info.h"
 #include "exchange/markup_document.h"
+#include "platform/result.h"
 
 #include <QDialog>
 
@@ -20,6 +21,7 @@ public:
     /// The copy, as OK left it: "Check" is empty for what is ticked and "0" for what is not, "Value" is the
     /// text.
     const MarkupDocument& document() const { return m_document; }
+    /// Stays open, saying so, while no column is ticked.
     void accept() override;
 
 protected:
@@ -30,16 +32,17 @@ private:
     void listItems(SelTreeItem& parent);
     void keepItems(const SelTreeItem& parent);
     void fitColumns();
+    bool showsColumns() const;
 
     QString m_table;
     MarkupDocument m_document;
     CTreeListCtrl* m_list;
 };
 
-/// The layout document with what the current drawing shows for a table written into it. Nothing when the
-/// document cannot be read or has no such table.
-std::optional<MarkupDocument> headersOfDrawing(const QString& table);
+/// The layout document with what the current drawing shows for a table written into it. A failure says that
+/// the document cannot be read or has no such table.
+platform::Result<MarkupDocument> headersOfDrawing(const QString& table);
 
 /// Lets the user edit the headers of a table, and keeps them with the current drawing. False when nothing was
-/// kept: the user cancelled, or the layout document has no such table, which is said.
+/// kept: the user cancelled or changed nothing, or the headers cannot be had or kept, which is said.
 bool editTableHeaders(const QString& table, QWidget* parent = nullptr);
