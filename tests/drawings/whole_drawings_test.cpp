@@ -100,7 +100,10 @@ void editText(KcDbDatabase& drawing, const std::string& file, Changes& changes)
             allow(changes, *text, "--changed", ":1", file);
         } else if (KcDbRead<KcDbMText>(id)) {
             KcDbWrite<KcDbMText>(id)->setContents(kNewText);
-            allow(changes, *KcDbRead<KcDbMText>(id), "--changed", ":1+3", file);
+            // of texts in columns the measured size follows
+            allow(
+                changes, *KcDbRead<KcDbMText>(id), "--changed",
+                KcDbRead<KcDbMText>(id)->data().columns ? ":1+3+42+43" : ":1+3", file);
         } else {
             continue;
         }
