@@ -882,7 +882,8 @@ def main():
     draw_frame(sheet)
     sheet.doc.header["$EXTMIN"] = (0, 0, 0)
     sheet.doc.header["$EXTMAX"] = (SHEET[0] * MM, SHEET[1] * MM, 0)
-    sheet.doc.set_modelspace_vport(height=SHEET[1] * MM, center=(SHEET[0] * MM / 2, SHEET[1] * MM / 2))
+    view = sheet.doc.set_modelspace_vport(height=SHEET[1] * MM, center=(SHEET[0] * MM / 2, SHEET[1] * MM / 2))
+    view.dxf.aspect_ratio = SHEET[0] / SHEET[1]
     # The library collects the classes in a set: without this their order changes from run to run.
     classes = sheet.doc.classes
     for dxftype in sorted({e.dxftype() for e in sheet.doc.entitydb.values()}):

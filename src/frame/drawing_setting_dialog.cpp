@@ -261,7 +261,11 @@ void CDrawingSettingDlg::refuse(
     platform::MessageBoxW(
         this, message, caption, platform::MessageBoxButtons::Ok, platform::MessageBoxIcon::Warning);
     // Return both ends the editing and presses OK: the dialog stays, so that the user sees what became of it.
-    QTimer::singleShot(0, this, [this] { m_refused = false; });
+    QTimer::singleShot(0, this, [this, &field] {
+        field.setFocus();
+        field.selectAll();
+        m_refused = false;
+    });
 }
 
 DrawingSettings CDrawingSettingDlg::values() const

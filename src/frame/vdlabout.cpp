@@ -5,8 +5,8 @@
 #include "frame/about_dialog.h"
 #include "frame/commands.h"
 #include "frame/module.h"
-#include "frame/product_icon.h"
 #include "frame/settings.h"
+#include "widgets/product_icon.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>

@@ -2,8 +2,6 @@
 
 #include "ed/keywords.h"
 
-#include <QStringList>
-
 namespace {
 
 // Digits and letters without case (Chinese) must be typed as capitals must.
@@ -73,4 +71,30 @@ QStringList KcEdKeywordList::localNames() const
     for (const Word& word : m_words)
         names += word.local;
     return names;
+}
+
+KcEdKeywordList::Question KcEdKeywordList::shown(const QString& question) const
+{
+    Question result{ question.simplified(), localNames() };
+    const qsizetype from = result.text.lastIndexOf(QLatin1Char('['));
+    const qsizetype to = result.text.indexOf(QLatin1Char(']'), from);
+    if (m_words.empty() || from < 0 || to < 0)
+        return result;
+    QStringList captions = result.captions;
+    for (const QString& option : result.text.mid(from + 1, to - from - 1).split(QLatin1Char('/'))) {
+        // "Name" or "Name(Key)".
+        const qsizetype key = option.lastIndexOf(QLatin1Char('('));
+        const bool hasKey = key > 0 && option.endsWith(QLatin1Char(')'));
+        const QString typed = hasKey ? option.mid(key + 1, option.size() - key - 2) : option;
+        const std::optional<QString> meant = match(typed.trimmed());
+        const auto word = std::find_if(
+            m_words.begin(), m_words.end(), [&](const Word& w) { return meant && w.global == *meant; });
+        if (word == m_words.end())
+            return result;
+        captions[word - m_words.begin()] = option.trimmed();
+    }
+    result.captions = captions;
+    result.text = result.text.remove(from, to - from + 1).simplified();
+    result.text.replace(QLatin1String(" :"), QLatin1String(":"));
+    return result;
 }

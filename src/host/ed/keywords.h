@@ -1,7 +1,7 @@
 // Keyword lists of prompts: "Dimension Area _ Dimension Area", "A S".
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -20,6 +20,14 @@ public:
     std::optional<QString> match(const QString& typed) const;
     /// Local keywords, for the user.
     QStringList localNames() const;
+    /// A question as a window shows it, with a button for each keyword.
+    struct Question {
+        QString text; ///< in one row, without the list of keywords that the buttons stand for
+        QStringList captions; ///< in the order of localNames(), as the list in the question calls them
+    };
+    /// Of "Blocks or [乔灌标注(D)]: " the text "Blocks or:" and "乔灌标注(D)" for the keyword that D means.
+    /// What the list does not name keeps its own name; a list that names anything else stays in the text.
+    Question shown(const QString& question) const;
 
 private:
     struct Word {

@@ -24,18 +24,19 @@ namespace {
 struct Button {
     MessageBoxAnswer answer;
     QMessageBox::StandardButton standard;
-    const char16_t* text;
+    const char16_t* chinese;
+    const char* english; ///< with the key that chooses it
     const char* line; ///< that presses it
 };
 
 constexpr Button kButtons[] = {
-    { MessageBoxAnswer::Ok, QMessageBox::Ok, u"确定", "!ok" },
-    { MessageBoxAnswer::Cancel, QMessageBox::Cancel, u"取消", "!cancel" },
-    { MessageBoxAnswer::Yes, QMessageBox::Yes, u"是", "!yes" },
-    { MessageBoxAnswer::No, QMessageBox::No, u"否", "!no" },
-    { MessageBoxAnswer::Retry, QMessageBox::Retry, u"重试", "!ok" },
-    { MessageBoxAnswer::Abort, QMessageBox::Abort, u"中止", "!cancel" },
-    { MessageBoxAnswer::Ignore, QMessageBox::Ignore, u"忽略", "!no" },
+    { MessageBoxAnswer::Ok, QMessageBox::Ok, u"确定", "&OK", "!ok" },
+    { MessageBoxAnswer::Cancel, QMessageBox::Cancel, u"取消", "&Cancel", "!cancel" },
+    { MessageBoxAnswer::Yes, QMessageBox::Yes, u"是", "&Yes", "!yes" },
+    { MessageBoxAnswer::No, QMessageBox::No, u"否", "&No", "!no" },
+    { MessageBoxAnswer::Retry, QMessageBox::Retry, u"重试", "&Retry", "!ok" },
+    { MessageBoxAnswer::Abort, QMessageBox::Abort, u"中止", "&Abort", "!cancel" },
+    { MessageBoxAnswer::Ignore, QMessageBox::Ignore, u"忽略", "&Ignore", "!no" },
 };
 
 std::vector<Button> buttonsOf(MessageBoxButtons buttons)
@@ -66,6 +67,16 @@ std::vector<Button> buttonsOf(MessageBoxButtons buttons)
     return pick({ A::Abort, A::Retry, A::Ignore });
 }
 
+// The buttons of a box speak the language of its text: the host's own sentences are English. A name in it may
+// be in another one, so that the end of the sentence tells.
+QString captionOf(const Button& button, const MessageBoxRequest& request)
+{
+    const auto last
+        = std::find_if(request.text.rbegin(), request.text.rend(), [](QChar c) { return c.isLetter(); });
+    const bool chinese = last != request.text.rend() && last->script() == QChar::Script_Han;
+    return chinese ? QString::fromUtf16(button.chinese) : QString::fromLatin1(button.english);
+}
+
 bool canShow()
 {
     return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
@@ -91,7 +102,7 @@ std::unique_ptr<QMessageBox> makeBox(const MessageBoxRequest& request)
     };
     box->setIcon(icons.at(request.icon));
     for (const Button& button : buttonsOf(request.buttons))
-        box->addButton(button.standard)->setText(QString::fromUtf16(button.text));
+        box->addButton(button.standard)->setText(captionOf(button, request));
     return box;
 }
 
@@ -112,7 +123,8 @@ std::optional<MessageBoxAnswer> pressedBy(const MessageBoxRequest& request, cons
     const std::vector<Button> buttons = buttonsOf(request.buttons);
     for (const Button& button : buttons)
         if (line == QLatin1String(button.line)
-            || line == QStringLiteral("!press ") + QString::fromUtf16(button.text))
+            || line == QStringLiteral("!press ") + QString::fromUtf16(button.chinese)
+            || line == QStringLiteral("!press ") + QString::fromLatin1(button.english + 1).toLower())
             return button.answer;
     // OK is what agrees, Cancel and closing what costs nothing, whatever the buttons are called.
     if (line == u"!ok")

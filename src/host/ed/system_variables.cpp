@@ -332,9 +332,17 @@ QString kcedSetVar(const QString& name, const KcEdVarValue& value)
                 .arg(std::get<QString>(*fitting), plainName);
         stored = kcdbRecordName(record);
     }
-    const KcApUndoStep step(*database, QStringLiteral("SETVAR"));
-    KcDbWrite<KcDbHeader>(database->headerId())
-        ->set(QLatin1Char('$') + plainName, { variable->group, stored });
+    // A drawing aid is stored with the drawing, but switching it is no work that one would be asked to save.
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    const bool staysSaved = variable->name == QLatin1String("ORTHOMODE") && document
+        && &document->database() == database && !document->isModified();
+    {
+        const KcApUndoStep step(*database, QStringLiteral("SETVAR"));
+        KcDbWrite<KcDbHeader>(database->headerId())
+            ->set(QLatin1Char('$') + plainName, { variable->group, stored });
+    }
+    if (staysSaved)
+        document->markSaved();
     return {};
 }
 

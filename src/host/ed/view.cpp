@@ -32,8 +32,12 @@ KcEdView firstView(KcDbDatabase& database)
 {
     if (database.currentSpace() == database.modelSpace()) {
         const KcDbObjectId active = kcdbFindRecord(database.viewportTable(), QStringLiteral("*Active"));
-        if (const KcDbRead<KcDbViewportTableRecord> record(active); record && record->data().viewHeight > 0.0)
-            return { record->data().viewCenter, record->data().viewHeight };
+        if (const KcDbRead<KcDbViewportTableRecord> record(active);
+            record && record->data().viewHeight > 0.0) {
+            // The window that saved it may have been wider than this one; all that it showed is shown.
+            const auto& [center, height, shape] = record->data();
+            return { center, shape > 0.0 ? std::max(height, height * shape / aspect()) : height };
+        }
     }
     return kcedViewOf(kcedVisibleExtents(database)).value_or(KcEdView());
 }

@@ -63,7 +63,8 @@ KcUiCommandLine::KcUiCommandLine(KcUiWindowSource& source, QWidget* parent)
     QObject::connect(m_field, &QLineEdit::textEdited, this, [this](const QString& text) {
         const bool offers = m_kind == KcEdPrompt::Kind::Command && text.size() >= 2;
         m_completer->setCompletionPrefix(text);
-        if (offers && m_completer->completionCount() > 0 && m_completer->currentCompletion() != text)
+        if (offers && m_completer->completionCount() > 0
+            && m_completer->currentCompletion().compare(text, Qt::CaseInsensitive) != 0)
             m_completer->complete();
         else
             m_completer->popup()->hide();
@@ -119,16 +120,17 @@ void KcUiCommandLine::setPrompt(const KcEdPrompt* prompt)
     }
     m_kind = prompt->kind;
     m_flags = prompt->flags;
-    QString text = prompt->text.trimmed();
+    const QStringList keywords = prompt->keywords.localNames();
+    auto [text, captions] = prompt->keywords.shown(prompt->text);
     m_prompt->setToolTip(text.size() > kPromptCharacters ? text : QString());
     if (text.size() > kPromptCharacters)
         text = text.left(kPromptCharacters) + QStringLiteral("…");
-    m_prompt->setText(text.simplified());
-    for (const QString& keyword : prompt->keywords.localNames()) {
+    m_prompt->setText(text);
+    for (int i = 0; i < keywords.size(); ++i) {
+        const QString& keyword = keywords[i];
         auto* button = new QToolButton(m_keywords);
         button->setObjectName(QStringLiteral("keyword ") + keyword);
-        button->setText(keyword);
-        button->setAutoRaise(true);
+        button->setText(captions[i]);
         button->setFocusPolicy(Qt::NoFocus);
         button->setToolTip(QStringLiteral("Answer with %1").arg(keyword));
         m_keywords->layout()->addWidget(button);
@@ -143,6 +145,10 @@ void KcUiCommandLine::setPrompt(const KcEdPrompt* prompt)
 void KcUiCommandLine::setCompletions(const QStringList& names)
 {
     m_completer->setModel(new QStringListModel(names, m_completer));
+    // After the completer's own, so that it is asked first: the completer gives keys to the field past its
+    // filter.
+    m_completer->popup()->removeEventFilter(this);
+    m_completer->popup()->installEventFilter(this);
 }
 
 void KcUiCommandLine::type(QKeyEvent* event)
@@ -271,6 +277,11 @@ bool KcUiCommandLine::eventFilter(QObject* watched, QEvent* event)
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
+    // The list of names has the keys while it is open; what ends, cancels or recalls goes where it always
+    // does.
+    if (watched == m_completer->popup())
+        return (key->key() != Qt::Key_Up && key->key() != Qt::Key_Down && keyPressed(key))
+            || QWidget::eventFilter(watched, event);
     if (watched == m_field)
         return keyPressed(key) || QWidget::eventFilter(watched, event);
     // In the history, marking and copying work; everything else types.

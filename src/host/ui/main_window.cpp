@@ -14,6 +14,7 @@
 #include "ui/drafting_aids.h"
 #include "ui/layer_panel.h"
 #include "ui/property_panel.h"
+#include "widgets/product_icon.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -47,6 +48,7 @@ KcUiMainWindow::KcUiMainWindow()
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
+    setWindowIcon(productIcon());
 
     auto* center = new QWidget(this);
     auto* column = new QVBoxLayout(center);
@@ -100,6 +102,10 @@ KcUiMainWindow::KcUiMainWindow()
     resize(QSize(1280, 860).boundedTo(screen()->availableSize() * kOfScreen));
     constexpr int kCommandRows = 6;
     resizeDocks({ dock }, { fontMetrics().lineSpacing() * (kCommandRows + 2) }, Qt::Vertical);
+    constexpr int kPanelCharacters = 60; // wide enough for the columns of the layers
+    resizeDocks(
+        { findChild<QDockWidget*>(QStringLiteral("layerPanelDock")) },
+        { fontMetrics().averageCharWidth() * kPanelCharacters }, Qt::Horizontal);
     restoreGeometry(settings.value(QStringLiteral("window/geometry")).toByteArray());
     restoreState(settings.value(QStringLiteral("window/state")).toByteArray());
     applyTheme(settings.value(QStringLiteral("window/dark"), true).toBool());

@@ -102,7 +102,13 @@ const std::vector<Group>& landscapeGroups()
             { "CHECKBLOCKNEAR", "重叠检查" },
             { "BLOCKORIGIN", "图例基点" },
             { "QUICKBUILDBLOCK", "快速建块" },
-            { "EXPLODEATTRIBBLOCK", "分解属性块" } } },
+            { "EXPLODEATTRIBBLOCK", "分解属性块" },
+            {},
+            { "BLOCKTOGRAY", "图块显示为灰色" },
+            { "RECOVERBLOCK", "恢复图块颜色" },
+            { "PARTIALCOPY", "局部复制" },
+            { "OPTIMIZEARC", "优化弧线" },
+            { "AXISNET", "轴网" } } },
         { "标注",
           { { "DIMMULTITREES", "乔木标注" },
             { "BROKENLINEDIM", "折线标注" },
@@ -140,7 +146,7 @@ const std::vector<Group>& landscapeGroups()
             {},
             { "MODTEXTHEIGHT", "修改字高" },
             { "MODTEXT", "修改文字" },
-            { "AUTOLEVEL", "文字对齐" } } },
+            { "AUTOLEVEL", "标高编号" } } },
         { "设置", { { "DRAWINGSETTING", "绘图设置" }, { "VDHELP", "帮助" }, { "VDLABOUT", "关于" } } },
     };
     return groups;
@@ -216,7 +222,9 @@ void KcUiMainWindow::makeMenus()
 
     QMenu* edit = menuBar()->addMenu(QStringLiteral("&Edit"));
     add(edit, QStringLiteral("&Undo"), QKeySequence::Undo, [this] { runCommand(QStringLiteral("U")); });
-    add(edit, QStringLiteral("&Redo"), QKeySequence::Redo, [this] { runCommand(QStringLiteral("REDO")); });
+    add(edit, QStringLiteral("&Redo"), {}, [this] {
+        runCommand(QStringLiteral("REDO"));
+    })->setShortcuts({ Qt::CTRL | Qt::Key_Y, Qt::CTRL | Qt::SHIFT | Qt::Key_Z });
     edit->addSeparator();
     add(edit, QStringLiteral("&Erase"), QKeySequence::Delete,
         [this] { runCommand(QStringLiteral("ERASE")); });

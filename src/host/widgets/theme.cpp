@@ -3,8 +3,11 @@
 #include "widgets/theme.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 
 namespace {
 
@@ -31,7 +34,7 @@ QPalette paletteOf(bool dark)
     set(QPalette::Link, 0xff2a6f34, 0xff8fce84);
     set(QPalette::Light, 0xffffffff, 0xff505458);
     set(QPalette::Midlight, 0xfff8f8f6, 0xff44484b);
-    set(QPalette::Mid, 0xffb8b8b4, 0xff55595d);
+    set(QPalette::Mid, 0xffb8b8b4, 0xff64696e);
     set(QPalette::Dark, 0xff909090, 0xff17191a);
     set(QPalette::Shadow, 0xff606060, 0xff000000);
     for (const QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
@@ -41,13 +44,45 @@ QPalette paletteOf(bool dark)
     return palette;
 }
 
+// The toolkit's style derives its outlines from the window's colour, darker: on a dark window fields and
+// boxes without a tick could hardly be seen.
+class DarkStyle : public QProxyStyle {
+public:
+    DarkStyle()
+        : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion")))
+    {
+    }
+
+    void drawPrimitive(
+        PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+        const QWidget* widget) const override
+    {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        const bool isField = element == PE_FrameLineEdit || element == PE_IndicatorCheckBox;
+        if ((!isField && element != PE_IndicatorRadioButton) || option->state & State_HasFocus)
+            return;
+        painter->save();
+        painter->setPen(
+            option->palette.color(option->state & State_Enabled ? QPalette::Mid : QPalette::Midlight));
+        painter->setBrush(Qt::NoBrush);
+        const QRectF rim = QRectF(option->rect).adjusted(0.5, 0.5, -0.5, -0.5);
+        painter->setRenderHint(QPainter::Antialiasing);
+        if (element == PE_IndicatorRadioButton)
+            painter->drawEllipse(rim);
+        else
+            painter->drawRoundedRect(rim, 2, 2);
+        painter->restore();
+    }
+};
+
 } // namespace
 
 void kcuiSetTheme(KcUiTheme theme)
 {
     if (theme == KcUiTheme::System)
         return;
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(
+        theme == KcUiTheme::Dark ? new DarkStyle() : QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(paletteOf(theme == KcUiTheme::Dark));
 }
 

@@ -1,6 +1,6 @@
 // Draws the product's icon at any size.
 
-#include "frame/product_icon.h"
+#include "widgets/product_icon.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -41,4 +41,12 @@ QPixmap productIcon(int size, qreal pixelRatio)
     painter.setBrush(QColor(120, 84, 52));
     painter.drawEllipse(QPointF(), 6, 6);
     return picture;
+}
+
+QIcon productIcon()
+{
+    QIcon icon;
+    for (const int size : { 16, 24, 32, 48, 64, 128 })
+        icon.addPixmap(productIcon(size, 1.0));
+    return icon;
 }
