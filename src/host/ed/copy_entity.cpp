@@ -103,3 +103,16 @@ KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform, 
         table->recomputeTableBlock();
     return id;
 }
+
+std::unique_ptr<KcDbEntity> kcedDetachedCopy(KcDbObjectId id)
+{
+    const KcDbRead<KcDbEntity> entity(id);
+    if (!entity)
+        return {};
+    std::unique_ptr<KcDbEntity> copy(static_cast<KcDbEntity*>(entity->copy().release()));
+    // The attributes are the drawing's own, and would move with the copy.
+    if (copy->isKindOf(KcDbBlockReference::desc()))
+        if (auto& array = static_cast<KcDbBlockReference&>(*copy).data().array; array)
+            array->attributes.clear();
+    return copy;
+}

@@ -8,3 +8,7 @@
 /// Extended data is copied; the extension dictionary, reactors and the link of a hatch to its boundary stay
 /// with the original. Null when the entity cannot be opened or its kind cannot be transformed.
 KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform, KcDbObjectId into = {});
+
+/// A copy in no drawing that can be changed without touching anything of one: what previews are made of. It has
+/// no attributes. Null when the entity cannot be opened.
+std::unique_ptr<KcDbEntity> kcedDetachedCopy(KcDbObjectId entity);

@@ -2,9 +2,9 @@
 
 #include "ed/grip_drag.h"
 
-#include "db/block_reference.h"
 #include "db/tables.h"
 #include "ed/console.h"
+#include "ed/copy_entity.h"
 #include "ed/documents.h"
 #include "ed/grips.h"
 #include "ed/jig.h"
@@ -18,20 +18,6 @@ bool isOnLockedLayer(KcDbObjectId id)
         return true;
     const KcDbRead<KcDbLayerTableRecord> layer(entity->layerId());
     return layer && layer->isLocked();
-}
-
-// A copy that can be changed without touching anything of the drawing: the attributes of a reference would
-// move with it.
-std::unique_ptr<KcDbEntity> detachedCopy(KcDbObjectId id)
-{
-    const KcDbRead<KcDbEntity> entity(id);
-    if (!entity)
-        return {};
-    std::unique_ptr<KcDbEntity> copy(static_cast<KcDbEntity*>(entity->copy().release()));
-    if (copy->isKindOf(KcDbBlockReference::desc()))
-        if (auto& array = static_cast<KcDbBlockReference&>(*copy).data().array; array)
-            array->attributes.clear();
-    return copy;
 }
 
 } // namespace
@@ -55,7 +41,7 @@ void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, K
     drag.preview = [&](KcGePoint3d cursor) {
         KcEdPreview preview;
         for (const KcEdGrip& grip : moved)
-            if (auto copy = detachedCopy(grip.entity);
+            if (auto copy = kcedDetachedCopy(grip.entity);
                 copy && kcedMoveGrip(*copy, grip.index, ucs * cursor) == Kcad::eOk)
                 preview.push_back(std::move(copy));
         return preview;

@@ -12,6 +12,7 @@ namespace {
 struct Prepared {
     int flags = 0;
     KcEdKeywordList keywords;
+    std::function<KcEdPreview(KcGePoint3d)> preview;
     QString lastInput;
 };
 
@@ -19,6 +20,16 @@ Prepared& prepared()
 {
     static Prepared instance;
     return instance;
+}
+
+// Asks, and shows meanwhile the preview that was set up.
+KcEdAnswer askShowing(KcEdPrompt prompt)
+{
+    const auto preview = std::exchange(prepared().preview, {});
+    KcEdShownPreview shown;
+    if (preview)
+        prompt.drag = [&](KcGePoint3d cursor) { shown.show(preview(cursor)); };
+    return KcEdEditor::instance().ask(prompt);
 }
 
 // What is the same for every question; nothing when the answer is a value.
@@ -37,7 +48,7 @@ std::optional<KcEdStatus> statusWithoutValue(const KcEdAnswer& answer)
 
 template <class T> KcEdStatus askFor(const KcEdPrompt& prompt, T& value)
 {
-    const KcEdAnswer answer = KcEdEditor::instance().ask(prompt);
+    const KcEdAnswer answer = askShowing(prompt);
     if (const auto status = statusWithoutValue(answer))
         return *status;
     if (const auto* typed = std::get_if<T>(&answer)) {
@@ -56,6 +67,11 @@ void kcedInitGet(int flags, const QString& keywords)
 {
     prepared().flags = flags;
     prepared().keywords = KcEdKeywordList(keywords);
+}
+
+void kcedInitPreview(std::function<KcEdPreview(KcGePoint3d)> preview)
+{
+    prepared().preview = std::move(preview);
 }
 
 QString kcedGetInput()
@@ -111,7 +127,7 @@ KcEdStatus askMeasure(
     KcEdPrompt question = kcedPreparedPrompt(kind, prompt);
     if (base)
         question.base = *base;
-    const KcEdAnswer answer = KcEdEditor::instance().ask(question);
+    const KcEdAnswer answer = askShowing(std::move(question));
     if (const auto status = statusWithoutValue(answer))
         return *status;
     if (const auto* number = std::get_if<double>(&answer)) {

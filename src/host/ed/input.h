@@ -2,7 +2,7 @@
 #pragma once
 
 #include "db/object_id.h"
-#include "ed/prompt.h"
+#include "ed/jig.h"
 
 /// How a question ended.
 enum KcEdStatus : int {
@@ -15,6 +15,9 @@ enum KcEdStatus : int {
 /// Sets up the next question only: what it refuses (bits of `KcEdPrompt::Flag`: 1 an empty answer, 2 zero, 4
 /// negative numbers, 128 takes any text) and its keywords, "local … _ global …".
 void kcedInitGet(int flags, const QString& keywords = {});
+/// For the next question for a point, distance or angle only: shows while it waits what would be there if the
+/// user answered with the cursor at a point, user coordinates. What is given is as for `KcEdDrag::preview`.
+void kcedInitPreview(std::function<KcEdPreview(KcGePoint3d cursor)> preview);
 /// The keyword or text with which the last question was answered.
 QString kcedGetInput();
 

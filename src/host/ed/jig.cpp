@@ -19,24 +19,10 @@ int& runningDrags()
     return count;
 }
 
-// Shows previews and takes the last one away, also when the preview function throws.
-class Shown {
+class CountedDrag {
 public:
-    Shown() { ++runningDrags(); }
-    ~Shown()
-    {
-        --runningDrags();
-        show({});
-    }
-    void show(KcEdPreview preview)
-    {
-        KcEdPreview before = std::exchange(m_preview, std::move(preview));
-        if (currentHolder() && !(before.empty() && m_preview.empty()))
-            currentHolder()->show(m_preview);
-    }
-
-private:
-    KcEdPreview m_preview;
+    CountedDrag() { ++runningDrags(); }
+    ~CountedDrag() { --runningDrags(); }
 };
 
 double angleOf(KcGeVector3d v)
@@ -75,12 +61,20 @@ KcEdPreviewHolder* kcedSetPreviewHolder(KcEdPreviewHolder* holder)
     return std::exchange(currentHolder(), holder);
 }
 
+void KcEdShownPreview::show(KcEdPreview preview)
+{
+    KcEdPreview before = std::exchange(m_preview, std::move(preview));
+    if (currentHolder() && !(before.empty() && m_preview.empty()))
+        currentHolder()->show(m_preview);
+}
+
 KcEdDragged kcedDrag(const KcEdDrag& drag)
 {
     using Status = KcEdDragged::Status;
     static constexpr KcEdPrompt::Kind kinds[]
         = { KcEdPrompt::Kind::Point, KcEdPrompt::Kind::Distance, KcEdPrompt::Kind::Angle };
-    Shown shown;
+    const CountedDrag counted;
+    KcEdShownPreview shown;
     KcEdPrompt prompt;
     prompt.kind = kinds[int(drag.asks)];
     prompt.text = drag.prompt;

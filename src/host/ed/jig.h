@@ -19,6 +19,19 @@ public:
 /// Installs the holder, which must outlive its use, and returns the one before; null: none.
 KcEdPreviewHolder* kcedSetPreviewHolder(KcEdPreviewHolder* holder);
 
+/// Shows previews for the length of a scope, one after the other, and takes the last one away at its end.
+class KcEdShownPreview {
+public:
+    KcEdShownPreview() = default;
+    ~KcEdShownPreview() { show({}); }
+    KcEdShownPreview(const KcEdShownPreview&) = delete;
+    KcEdShownPreview& operator=(const KcEdShownPreview&) = delete;
+    void show(KcEdPreview preview);
+
+private:
+    KcEdPreview m_preview;
+};
+
 struct KcEdDrag {
     enum class Asks { Point, Distance, Angle };
 

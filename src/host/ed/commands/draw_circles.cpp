@@ -24,74 +24,114 @@ void appendCircle(KcGePoint3d center, double radius)
     append(std::make_unique<KcDbCircle>(center, radius));
 }
 
+/// Shows the circle of a radius that follows from the cursor, while the next question waits.
+void previewCircle(std::function<std::pair<KcGePoint3d, double>(KcGePoint3d cursor)> circle)
+{
+    kcedInitPreview([circle = std::move(circle)](KcGePoint3d cursor) {
+        const auto [center, radius] = circle(cursor);
+        return radius > 0.0 ? sketch(std::make_unique<KcDbCircle>(center, radius)) : KcEdPreview();
+    });
+}
+
+std::pair<KcGePoint3d, double> circleBetween(KcGePoint3d first, KcGePoint3d second)
+{
+    return { first + (second - first) * 0.5, first.plan().distanceTo(second.plan()) / 2.0 };
+}
+
 void circleBetween()
 {
     KcGePoint3d first, second;
-    if (kcedGetPoint(nullptr, QStringLiteral("\nFirst end of the diameter: "), first) != kcedNormal
-        || kcedGetPoint(&first, QStringLiteral("\nSecond end of the diameter: "), second) != kcedNormal)
+    if (kcedGetPoint(nullptr, QStringLiteral("\nFirst end of the diameter: "), first) != kcedNormal)
         return;
-    appendCircle(first + (second - first) * 0.5, first.plan().distanceTo(second.plan()) / 2.0);
-}
-
-/// The three points of an arc or circle; false when the user gave up or they make none, which is said.
-bool askThreePoints(
-    KcGePoint3d first, KcGePoint3d& second, KcGePoint3d& third, std::optional<KcGeCircArc2d>& arc)
-{
-    if (kcedGetPoint(&first, QStringLiteral("\nSecond point: "), second) != kcedNormal
-        || kcedGetPoint(&second, QStringLiteral("\nThird point: "), third) != kcedNormal)
-        return false;
-    arc = KcGeCircArc2d::throughPoints(first.plan(), second.plan(), third.plan());
-    if (!arc)
-        kcedSay(QStringLiteral("These points lie on one line."));
-    return arc.has_value();
+    previewCircle([&](KcGePoint3d cursor) { return circleBetween(first, cursor); });
+    if (kcedGetPoint(&first, QStringLiteral("\nSecond end of the diameter: "), second) != kcedNormal)
+        return;
+    const auto [center, radius] = circleBetween(first, second);
+    appendCircle(center, radius);
 }
 
 void circleThrough()
 {
     KcGePoint3d first, second, third;
-    std::optional<KcGeCircArc2d> arc;
     if (kcedGetPoint(nullptr, QStringLiteral("\nFirst point on the circle: "), first) != kcedNormal
-        || !askThreePoints(first, second, third, arc))
+        || kcedGetPoint(&first, QStringLiteral("\nSecond point: "), second) != kcedNormal)
         return;
-    appendCircle({ arc->center().x, arc->center().y, first.z }, arc->radius());
+    const auto through = [&](KcGePoint3d last) -> std::pair<KcGePoint3d, double> {
+        const auto arc = KcGeCircArc2d::throughPoints(first.plan(), second.plan(), last.plan());
+        return arc ? std::pair(KcGePoint3d{ arc->center().x, arc->center().y, first.z }, arc->radius())
+                   : std::pair(first, 0.0);
+    };
+    previewCircle(through);
+    if (kcedGetPoint(&second, QStringLiteral("\nThird point: "), third) != kcedNormal)
+        return;
+    const auto [center, radius] = through(third);
+    if (radius > 0.0)
+        appendCircle(center, radius);
+    else
+        kcedSay(QStringLiteral("These points lie on one line."));
 }
 
-/// A counter-clockwise arc from one direction to another.
-void appendArc(KcGePoint3d center, double radius, double startAngle, double endAngle)
+/// A counter-clockwise arc from one direction to another; null without a radius.
+std::unique_ptr<KcDbArc> makeArc(KcGePoint3d center, double radius, double startAngle, double endAngle)
 {
     if (!(radius > 0.0) || !std::isfinite(radius))
-        return kcedSay(QStringLiteral("An arc needs a radius above 0."));
+        return {};
     auto arc = std::make_unique<KcDbArc>();
     arc->data().center = center;
     arc->data().radius = radius;
     arc->data().startAngle = normalizedAngle(startAngle);
     arc->data().endAngle = normalizedAngle(endAngle);
-    append(std::move(arc));
+    return arc;
 }
 
-void appendArc(const KcGeCircArc2d& arc, double elevation)
+std::unique_ptr<KcDbArc> makeArc(const std::optional<KcGeCircArc2d>& arc, double elevation)
 {
-    const bool reversed = arc.isClockwise();
-    appendArc(
-        { arc.center().x, arc.center().y, elevation }, arc.radius(),
-        reversed ? arc.endAngle() : arc.startAngle(), reversed ? arc.startAngle() : arc.endAngle());
+    if (!arc)
+        return {};
+    const bool reversed = arc->isClockwise();
+    return makeArc(
+        { arc->center().x, arc->center().y, elevation }, arc->radius(),
+        reversed ? arc->endAngle() : arc->startAngle(), reversed ? arc->startAngle() : arc->endAngle());
 }
+
+/// From a start about a centre to the direction of a point.
+std::unique_ptr<KcDbArc> makeArcAbout(KcGePoint3d center, KcGePoint3d start, KcGePoint3d end)
+{
+    const KcGeVector2d radius = start.plan() - center.plan();
+    return makeArc(center, radius.length(), radius.angle(), (end.plan() - center.plan()).angle());
+}
+
+void appendArc(std::unique_ptr<KcDbArc> arc, const char* otherwise)
+{
+    if (arc)
+        append(std::move(arc));
+    else
+        kcedSay(QString::fromLatin1(otherwise));
+}
+
+constexpr char kNoRadius[] = "An arc needs a radius above 0.";
 
 /// Start and centre are known; the end is a point, an angle or the length of the chord.
 void arcFromCenter(KcGePoint3d start, KcGePoint3d center)
 {
     const KcGeVector2d radius = start.plan() - center.plan();
     kcedInitGet(KcEdPrompt::kNoEmpty, QStringLiteral("Angle chordLength _ Angle Length"));
+    kcedInitPreview([&](KcGePoint3d cursor) { return sketch(makeArcAbout(center, start, cursor)); });
     KcGePoint3d end;
     const KcEdStatus status
         = kcedGetPoint(&center, QStringLiteral("\nEnd point of arc or [Angle/chordLength]: "), end);
     if (status == kcedNormal)
-        return appendArc(center, radius.length(), radius.angle(), (end.plan() - center.plan()).angle());
+        return appendArc(makeArcAbout(center, start, end), kNoRadius);
     if (status != kcedKeyword)
         return;
+    const auto swept = [&](double sweep) {
+        return makeArc(KcGeCircArc2d(center.plan(), radius.length(), radius.angle(), sweep), center.z);
+    };
     double sweep = 0.0;
     if (kcedGetInput() == u"Angle") {
         kcedInitGet(KcEdPrompt::kNoEmpty | KcEdPrompt::kNoZero);
+        kcedInitPreview(
+            [&](KcGePoint3d cursor) { return sketch(swept((cursor.plan() - center.plan()).angle())); });
         if (kcedGetAngle(&center, QStringLiteral("\nIncluded angle: "), sweep) != kcedNormal)
             return;
     } else {
@@ -105,7 +145,7 @@ void arcFromCenter(KcGePoint3d start, KcGePoint3d center)
         sweep = 2.0 * std::asin(std::abs(chord) / (2.0 * radius.length()));
         sweep = chord < 0.0 ? kTwoPi - sweep : sweep;
     }
-    appendArc(KcGeCircArc2d(center.plan(), radius.length(), radius.angle(), sweep), center.z);
+    appendArc(swept(sweep), kNoRadius);
 }
 
 /// Start and end are known; the rest is the centre, the included angle, the direction at the start or the
@@ -113,37 +153,40 @@ void arcFromCenter(KcGePoint3d start, KcGePoint3d center)
 void arcToEnd(KcGePoint3d start, KcGePoint3d end)
 {
     kcedInitGet(KcEdPrompt::kNoEmpty, QStringLiteral("Angle Direction Radius _ Angle Direction Radius"));
+    kcedInitPreview([&](KcGePoint3d cursor) { return sketch(makeArcAbout(cursor, start, end)); });
     KcGePoint3d center;
     const KcEdStatus status
         = kcedGetPoint(&start, QStringLiteral("\nCenter of arc or [Angle/Direction/Radius]: "), center);
-    if (status == kcedNormal) {
-        const KcGeVector2d radius = start.plan() - center.plan();
-        return appendArc(center, radius.length(), radius.angle(), (end.plan() - center.plan()).angle());
-    }
+    if (status == kcedNormal)
+        return appendArc(makeArcAbout(center, start, end), kNoRadius);
     if (status != kcedKeyword)
         return;
-    std::optional<KcGeCircArc2d> arc;
     const QString keyword = kcedGetInput();
+    const auto joining = [&](double value) {
+        if (keyword == u"Radius")
+            return makeArc(
+                KcGeCircArc2d::fromRadius(start.plan(), end.plan(), std::abs(value), true), start.z);
+        if (keyword == u"Angle")
+            return makeArc(KcGeCircArc2d::fromChord(start.plan(), end.plan(), value), start.z);
+        const KcGeVector2d chord = end.plan() - start.plan(), along{ std::cos(value), std::sin(value) };
+        const double half = std::atan2(along.crossProduct(chord), along.dotProduct(chord));
+        return makeArc(KcGeCircArc2d::fromChord(start.plan(), end.plan(), 2.0 * half), start.z);
+    };
     double value = 0.0;
     kcedInitGet(KcEdPrompt::kNoEmpty);
-    if (keyword == u"Radius") {
-        if (kcedGetDist(&end, QStringLiteral("\nRadius: "), value) != kcedNormal)
-            return;
-        arc = KcGeCircArc2d::fromRadius(start.plan(), end.plan(), std::abs(value), true);
-    } else if (keyword == u"Angle") {
-        if (kcedGetAngle(&start, QStringLiteral("\nIncluded angle: "), value) != kcedNormal)
-            return;
-        arc = KcGeCircArc2d::fromChord(start.plan(), end.plan(), value);
-    } else {
-        if (kcedGetAngle(&start, QStringLiteral("\nDirection at the start: "), value) != kcedNormal)
-            return;
-        const KcGeVector2d chord = end.plan() - start.plan(), along{ std::cos(value), std::sin(value) };
-        arc = KcGeCircArc2d::fromChord(
-            start.plan(), end.plan(), 2.0 * std::atan2(along.crossProduct(chord), along.dotProduct(chord)));
-    }
-    if (!arc)
-        return kcedSay(QStringLiteral("No such arc joins these points."));
-    appendArc(*arc, start.z);
+    kcedInitPreview([&](KcGePoint3d cursor) {
+        return sketch(
+            joining(keyword == u"Radius" ? cursor.distanceTo(end) : (cursor.plan() - start.plan()).angle()));
+    });
+    const KcEdStatus given = keyword == u"Radius"
+        ? kcedGetDist(&end, QStringLiteral("\nRadius: "), value)
+        : kcedGetAngle(
+            &start,
+            keyword == u"Angle" ? QStringLiteral("\nIncluded angle: ")
+                                : QStringLiteral("\nDirection at the start: "),
+            value);
+    if (given == kcedNormal)
+        appendArc(joining(value), "No such arc joins these points.");
 }
 
 } // namespace
@@ -164,6 +207,7 @@ void hand::circle()
     const QString offer = last > 0.0 ? offered(last) : QString();
     double radius = last;
     kcedInitGet(refused, QStringLiteral("Diameter _ Diameter"));
+    previewCircle([&](KcGePoint3d cursor) { return std::pair(center, cursor.distanceTo(center)); });
     const KcEdStatus answer
         = kcedGetDist(&center, QStringLiteral("\nRadius of circle or [Diameter]%1: ").arg(offer), radius);
     if (answer == kcedNormal || answer == kcedNone)
@@ -172,6 +216,7 @@ void hand::circle()
         return;
     double diameter = 2.0 * last;
     kcedInitGet(refused);
+    previewCircle([&](KcGePoint3d cursor) { return std::pair(center, cursor.distanceTo(center) / 2.0); });
     if (kcedGetDist(
             &center,
             QStringLiteral("\nDiameter of circle%1: ").arg(last > 0.0 ? offered(diameter) : QString()),
@@ -214,12 +259,12 @@ void hand::arc()
     }
     if (status != kcedNormal)
         return;
+    const auto through = [&](KcGePoint3d end) {
+        return makeArc(KcGeCircArc2d::throughPoints(start.plan(), second.plan(), end.plan()), start.z);
+    };
     KcGePoint3d end;
     kcedInitGet(KcEdPrompt::kNoEmpty);
-    if (kcedGetPoint(&second, QStringLiteral("\nEnd point of arc: "), end) != kcedNormal)
-        return;
-    const auto through = KcGeCircArc2d::throughPoints(start.plan(), second.plan(), end.plan());
-    if (!through)
-        return kcedSay(QStringLiteral("These points lie on one line."));
-    appendArc(*through, start.z);
+    kcedInitPreview([&](KcGePoint3d cursor) { return sketch(through(cursor)); });
+    if (kcedGetPoint(&second, QStringLiteral("\nEnd point of arc: "), end) == kcedNormal)
+        appendArc(through(end), "These points lie on one line.");
 }

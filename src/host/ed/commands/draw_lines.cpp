@@ -111,6 +111,19 @@ struct Widths {
     double start = 0.0, end = 0.0;
 };
 
+/// One piece of a polyline, as it will look.
+std::unique_ptr<KcDbPolyline> piece(KcGePoint3d from, KcGePoint3d to, double bulge, const Widths& widths)
+{
+    auto polyline = std::make_unique<KcDbPolyline>();
+    KcDbPolyline::Vertex start{ from.x, from.y };
+    start.bulge = bulge;
+    start.startWidth = widths.start;
+    start.endWidth = widths.end;
+    polyline->data().vertices = { start, { to.x, to.y } };
+    polyline->data().elevation = from.z;
+    return polyline;
+}
+
 /// False when the user gave up; the widths are then as before.
 bool askWidths(Widths& widths, bool halves)
 {
@@ -136,13 +149,20 @@ bool askArcBySecondPoint(Path& path, const Widths& widths)
     KcGePoint3d second, end;
     if (kcedGetPoint(&from, QStringLiteral("\nSecond point of arc: "), second) != kcedNormal)
         return false;
+    const auto bulgeTo = [&](KcGePoint3d last) -> std::optional<double> {
+        const auto arc = KcGeCircArc2d::throughPoints(from.plan(), second.plan(), last.plan());
+        return arc ? std::optional(std::tan(arc->sweep() / 4.0)) : std::nullopt;
+    };
+    kcedInitPreview([&](KcGePoint3d cursor) {
+        const auto bulge = bulgeTo(cursor);
+        return bulge ? sketch(piece(from, cursor, *bulge, widths)) : KcEdPreview();
+    });
     if (kcedGetPoint(&second, QStringLiteral("\nEnd point of arc: "), end) != kcedNormal)
         return false;
-    const auto arc = KcGeCircArc2d::throughPoints(from.plan(), second.plan(), end.plan());
-    if (!arc)
-        kcedSay(QStringLiteral("These points make no arc."));
+    if (const auto bulge = bulgeTo(end))
+        path.add(end, *bulge, widths.start, widths.end);
     else
-        path.add(end, std::tan(arc->sweep() / 4.0), widths.start, widths.end);
+        kcedSay(QStringLiteral("These points make no arc."));
     return true;
 }
 
@@ -214,6 +234,11 @@ void hand::polyline()
             arcs ? QStringLiteral("CLose Direction Halfwidth Line Second Undo Width _ "
                                   "Close Direction Halfwidth Line Second Undo Width")
                  : QStringLiteral("Arc Close Halfwidth Undo Width _ Arc Close Halfwidth Undo Width"));
+        kcedInitPreview([&](KcGePoint3d cursor) {
+            const auto bulge
+                = arcs ? tangentBulge(from.plan(), path.direction(), cursor.plan()) : std::optional(0.0);
+            return bulge ? sketch(piece(from, cursor, *bulge, widths)) : KcEdPreview();
+        });
         KcGePoint3d next;
         const KcEdStatus status = kcedGetPoint(
             &from,

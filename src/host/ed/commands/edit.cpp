@@ -14,12 +14,14 @@ namespace {
 
 /// Base point and second point of a displacement; Enter at the second takes the first as the displacement
 /// itself.
-std::optional<KcGeVector3d> askDisplacement()
+std::optional<KcGeVector3d> askDisplacement(const std::vector<KcDbObjectId>& ids)
 {
+    const Ghosts ghosts(ids);
     kcedInitGet(KcEdPrompt::kNoEmpty);
     KcGePoint3d base, second;
     if (kcedGetPoint(nullptr, QStringLiteral("\nBase point: "), base) != kcedNormal)
         return {};
+    kcedInitPreview([&](KcGePoint3d to) { return ghosts.at(KcGeMatrix3d::translation(to - base)); });
     const KcEdStatus status
         = kcedGetPoint(&base, QStringLiteral("\nSecond point <use the first as displacement>: "), second);
     if (status == kcedCancel)
@@ -31,6 +33,7 @@ std::optional<KcGeVector3d> askDisplacement()
 /// What ROTATE and SCALE ask alike.
 struct Change {
     std::vector<KcDbObjectId> ids;
+    std::unique_ptr<Ghosts> ghosts;
     KcGePoint3d base;
     bool copies = false;
 };
@@ -40,6 +43,7 @@ std::optional<Change> askChange()
     change.ids = changeable(askSelection());
     if (change.ids.empty())
         return {};
+    change.ghosts = std::make_unique<Ghosts>(change.ids);
     kcedInitGet(KcEdPrompt::kNoEmpty);
     if (kcedGetPoint(nullptr, QStringLiteral("\nBase point: "), change.base) != kcedNormal)
         return {};
@@ -87,7 +91,7 @@ void hand::move()
     const auto ids = changeable(askSelection());
     if (ids.empty())
         return;
-    if (const auto displacement = askDisplacement())
+    if (const auto displacement = askDisplacement(ids))
         transform(ids, KcGeMatrix3d::translation(*displacement), false);
 }
 
@@ -96,15 +100,22 @@ void hand::copy()
     const KcEdSelectionSet set = askSelection();
     if (set.isEmpty())
         return;
-    if (const auto displacement = askDisplacement())
+    if (const auto displacement = askDisplacement(set.ids()))
         transform(set.ids(), KcGeMatrix3d::translation(*displacement), true);
 }
 
 void hand::rotate()
 {
     auto change = askChange();
-    while (change) {
+    if (!change)
+        return;
+    const auto turned
+        = [&](double angle) { return KcGeMatrix3d::rotation(angle, KcGeVector3d::kZAxis, change->base); };
+    for (;;) {
         kcedInitGet(KcEdPrompt::kNoEmpty, QStringLiteral("Copy Reference _ Copy Reference"));
+        kcedInitPreview([&](KcGePoint3d to) {
+            return change->ghosts->at(turned((to.plan() - change->base.plan()).angle()));
+        });
         double angle = 0.0;
         const KcEdStatus status
             = kcedGetAngle(&change->base, QStringLiteral("\nRotation angle or [Copy/Reference]: "), angle);
@@ -120,18 +131,23 @@ void hand::rotate()
         } else if (status != kcedNormal) {
             return;
         }
-        return transform(
-            change->ids, inWorld(KcGeMatrix3d::rotation(angle, KcGeVector3d::kZAxis, change->base)),
-            change->copies);
+        return transform(change->ids, inWorld(turned(angle)), change->copies);
     }
 }
 
 void hand::scale()
 {
     auto change = askChange();
-    while (change) {
+    if (!change)
+        return;
+    for (;;) {
         const int refused = KcEdPrompt::kNoZero | KcEdPrompt::kNoNegative;
         kcedInitGet(KcEdPrompt::kNoEmpty | refused, QStringLiteral("Copy Reference _ Copy Reference"));
+        kcedInitPreview([&](KcGePoint3d to) {
+            const double factor = to.distanceTo(change->base);
+            return factor > 0.0 ? change->ghosts->at(KcGeMatrix3d::scaling(factor, change->base))
+                                : KcEdPreview();
+        });
         double factor = 1.0;
         const KcEdStatus status
             = kcedGetDist(&change->base, QStringLiteral("\nScale factor or [Copy/Reference]: "), factor);
@@ -159,11 +175,16 @@ void hand::mirror()
     const auto ids = changeable(askSelection());
     if (ids.empty())
         return;
+    const Ghosts ghosts(ids);
     KcGePoint3d first, second;
     kcedInitGet(KcEdPrompt::kNoEmpty);
     if (kcedGetPoint(nullptr, QStringLiteral("\nFirst point of mirror line: "), first) != kcedNormal)
         return;
     kcedInitGet(KcEdPrompt::kNoEmpty);
+    kcedInitPreview([&](KcGePoint3d to) {
+        return first.plan().isEqualTo(to.plan()) ? KcEdPreview()
+                                                 : ghosts.at(KcGeMatrix3d::mirroring(first, to - first));
+    });
     if (kcedGetPoint(&first, QStringLiteral("\nSecond point of mirror line: "), second) != kcedNormal)
         return;
     if (first.plan().isEqualTo(second.plan()))

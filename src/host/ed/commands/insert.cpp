@@ -105,6 +105,15 @@ std::unique_ptr<KcDbAttribute> attributeOf(const Value& value, const KcGeMatrix3
     return attribute;
 }
 
+std::unique_ptr<KcDbBlockReference>
+makeReference(KcDbObjectId block, KcGePoint3d at, KcGeVector3d scale, double rotation)
+{
+    auto reference = std::make_unique<KcDbBlockReference>(at, block);
+    reference->setScaleFactors(scale);
+    reference->setRotation(rotation);
+    return reference;
+}
+
 } // namespace
 
 void hand::insert()
@@ -121,6 +130,8 @@ void hand::insert()
     KcGePoint3d at;
     for (;;) {
         kcedInitGet(KcEdPrompt::kNoEmpty, QStringLiteral("Scale Rotate _ Scale Rotate"));
+        kcedInitPreview(
+            [&](KcGePoint3d cursor) { return sketch(makeReference(block, cursor, scale, rotation)); });
         const KcEdStatus status
             = kcedGetPoint(nullptr, QStringLiteral("\nInsertion point or [Scale/Rotate]: "), at);
         if (status == kcedNormal)
@@ -150,6 +161,10 @@ void hand::insert()
             return;
         scale.z = scale.x;
     }
+    if (asksRotation)
+        kcedInitPreview([&](KcGePoint3d cursor) {
+            return sketch(makeReference(block, at, scale, (cursor.plan() - at.plan()).angle()));
+        });
     if (asksRotation && kcedGetAngle(&at, QStringLiteral("\nRotation angle <0>: "), rotation) == kcedCancel)
         return;
     const auto values = askAttributes(block);
@@ -157,10 +172,7 @@ void hand::insert()
         return;
     lastBlock() = kcdbRecordName(block);
 
-    auto made = std::make_unique<KcDbBlockReference>(at, block);
-    made->setScaleFactors(scale);
-    made->setRotation(rotation);
-    const KcDbObjectId id = append(std::move(made));
+    const KcDbObjectId id = append(makeReference(block, at, scale, rotation));
     KcDbWrite<KcDbBlockReference> reference(id);
     for (const Value& value : *values) {
         const KcDbObjectId attribute

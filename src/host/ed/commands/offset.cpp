@@ -36,15 +36,33 @@ std::optional<double> signedDistance(const KcGeCurve3d& curve, KcGePoint3d point
     return side > 0.0 ? -least : least;
 }
 
-/// The parallels that lie `distance` off, to the right of the curve's direction when positive. False when
-/// none were made, which is said.
+/// How far off the parallel lies that a point asks for, as for `signedDistance`: a given distance on its
+/// side, or through the point. Nothing when the point is on the curve, which has no side there.
+std::optional<double>
+wantedDistance(const KcDbCurve& curve, std::optional<double> distance, int steps, KcGePoint3d point)
+{
+    const auto away = signedDistance(curve.curve(), point);
+    if (!away || *away == 0.0) // exact: only a point on the curve has no side
+        return {};
+    // An open curve goes on beyond its ends when the parallel has to pass a point there.
+    return std::copysign(
+        distance ? *distance * steps : curve.curve().closestExtended(point)->distance, *away);
+}
+
+/// The parallels that lie `distance` off, to the right of the curve's direction when positive.
+Kcad::ErrorStatus parallelsOf(const KcDbCurve& curve, double distance, KcDbCurve::Curves& parallels)
+{
+    // Lines count the other way round.
+    const bool straight = as<KcDbLine>(curve) || as<KcDbXline>(curve) || as<KcDbRay>(curve);
+    return curve.getOffsetCurves(straight ? -distance : distance, parallels);
+}
+
+/// False when none were made, which is said.
 bool appendParallels(KcDbObjectId id, double distance)
 {
     const KcDbRead<KcDbCurve> curve(id);
-    // Lines count the other way round.
-    const bool straight = as<KcDbLine>(*curve) || as<KcDbXline>(*curve) || as<KcDbRay>(*curve);
     KcDbCurve::Curves parallels;
-    const Kcad::ErrorStatus status = curve->getOffsetCurves(straight ? -distance : distance, parallels);
+    const Kcad::ErrorStatus status = parallelsOf(*curve, distance, parallels);
     if (status != Kcad::eOk)
         kcedSay(QStringLiteral("That object has no parallel: %1.").arg(Kcad::errorStatusText(status)));
     else if (parallels.empty())
@@ -81,6 +99,18 @@ bool offsetOne(KcDbObjectId id, std::optional<double> distance, KcGePoint3d pick
     for (;;) {
         KcGePoint3d point;
         kcedInitGet(0, several ? QString() : QStringLiteral("Multiple _ Multiple"));
+        kcedInitPreview([&](KcGePoint3d cursor) {
+            KcEdPreview preview;
+            const KcDbRead<KcDbCurve> curve(id);
+            KcDbCurve::Curves parallels;
+            const auto wanted = curve
+                ? wantedDistance(*curve, distance, steps + 1, database().ucsToWorld() * cursor)
+                : std::nullopt;
+            if (wanted && parallelsOf(*curve, *wanted, parallels) == Kcad::eOk)
+                for (auto& parallel : parallels)
+                    preview.push_back(std::move(parallel));
+            return preview;
+        });
         const KcEdStatus status = kcedGetPoint(
             &picked,
             several        ? QStringLiteral("\nPoint on side to offset <next object>: ")
@@ -93,16 +123,14 @@ bool offsetOne(KcDbObjectId id, std::optional<double> distance, KcGePoint3d pick
         }
         if (status != kcedNormal)
             return status == kcedNone;
-        const KcDbRead<KcDbCurve> curve(id);
-        const auto away = signedDistance(curve->curve(), database().ucsToWorld() * point);
-        if (!away || *away == 0.0) { // exact: only a point on the curve has no side
+        const auto wanted
+            = wantedDistance(*KcDbRead<KcDbCurve>(id), distance, steps + 1, database().ucsToWorld() * point);
+        if (!wanted) {
             kcedSay(QStringLiteral("A point to one side of the object is wanted."));
             continue;
         }
-        // An open curve goes on beyond its ends when the parallel has to pass a point there.
-        const auto straight = curve->curve().closestExtended(database().ucsToWorld() * point);
-        const double wanted = std::copysign(distance ? *distance * ++steps : straight->distance, *away);
-        if (appendParallels(id, wanted))
+        ++steps;
+        if (appendParallels(id, *wanted))
             kcedRoundCompleted();
         if (!several)
             return true;

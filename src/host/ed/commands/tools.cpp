@@ -3,6 +3,7 @@
 #include "ed/commands/tools.h"
 
 #include "db/block_table_record.h"
+#include "db/polyline.h"
 #include "ed/copy_entity.h"
 #include "ed/documents.h"
 #include "ed/pick_geometry.h"
@@ -100,6 +101,61 @@ KcGeMatrix3d inWorld(const KcGeMatrix3d& inUcs)
 {
     const KcGeMatrix3d ucs = database().ucsToWorld();
     return ucs * inUcs * ucs.inverse();
+}
+
+KcEdPreview sketch(std::unique_ptr<KcDbEntity> entity)
+{
+    KcEdPreview preview;
+    if (!entity)
+        return preview;
+    entity->setDatabaseDefaults(database());
+    if (const KcGeMatrix3d toWorld = database().ucsToWorld(); toWorld != KcGeMatrix3d())
+        entity->transformBy(toWorld);
+    preview.push_back(std::move(entity));
+    return preview;
+}
+
+Ghosts::Ghosts(const std::vector<KcDbObjectId>& ids)
+    : m_ids(ids)
+{
+    kcedHighlight(m_ids, true);
+    constexpr size_t kMost = 250; // more could not follow the cursor
+    KcGeExtents3d box;
+    for (const KcDbObjectId id : ids) {
+        if (m_copies.size() < kMost) {
+            if (auto copy = kcedDetachedCopy(id))
+                m_copies.push_back(std::move(copy));
+        }
+        if (ids.size() > kMost)
+            if (const KcDbRead<KcDbEntity> entity(id); entity)
+                box.addExtents(entity->geomExtents());
+    }
+    if (box.isEmpty())
+        return;
+    auto frame = std::make_unique<KcDbPolyline>();
+    frame->data().vertices = {
+        { box.min.x, box.min.y }, { box.max.x, box.min.y }, { box.max.x, box.max.y }, { box.min.x, box.max.y }
+    };
+    frame->setClosed(true);
+    frame->setDatabaseDefaults(database());
+    m_copies.push_back(std::move(frame));
+}
+
+Ghosts::~Ghosts()
+{
+    kcedHighlight(m_ids, false);
+}
+
+KcEdPreview Ghosts::at(const KcGeMatrix3d& inUcs) const
+{
+    const KcGeMatrix3d toWorld = inWorld(inUcs);
+    KcEdPreview preview;
+    for (const auto& ghost : m_copies) {
+        std::unique_ptr<KcDbEntity> copy(static_cast<KcDbEntity*>(ghost->copy().release()));
+        if (copy->transformBy(toWorld) == Kcad::eOk)
+            preview.push_back(std::move(copy));
+    }
+    return preview;
 }
 
 std::optional<bool> askYesNo(const QString& question, bool otherwise)

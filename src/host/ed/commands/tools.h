@@ -35,6 +35,25 @@ void transform(const std::vector<KcDbObjectId>& ids, const KcGeMatrix3d& toWorld
 /// The transform, given in the user coordinate system, in world coordinates.
 KcGeMatrix3d inWorld(const KcGeMatrix3d& inUcs);
 
+/// An entity, whose coordinates are those of the user coordinate system, as a preview; nothing for null.
+KcEdPreview sketch(std::unique_ptr<KcDbEntity> entity);
+
+/// What a transform would make of entities, as a preview: of very many the first ones and the box of all. The
+/// entities themselves are marked meanwhile.
+class Ghosts {
+public:
+    explicit Ghosts(const std::vector<KcDbObjectId>& ids);
+    ~Ghosts();
+    Ghosts(const Ghosts&) = delete;
+    Ghosts& operator=(const Ghosts&) = delete;
+    /// The transform is given in the user coordinate system.
+    KcEdPreview at(const KcGeMatrix3d& inUcs) const;
+
+private:
+    std::vector<KcDbObjectId> m_ids;
+    std::vector<std::unique_ptr<KcDbEntity>> m_copies;
+};
+
 /// A yes-or-no question by keywords; nothing when it was cancelled.
 std::optional<bool> askYesNo(const QString& question, bool otherwise);
 
