@@ -145,4 +145,17 @@ private:
         m_release; ///< of the button that drags; the window may have to answer the press first
 };
 
+/// A user who looks at the window again and again, whatever it does.
+class Onlooker {
+public:
+    explicit Onlooker(std::function<void()> looks)
+    {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(looks));
+        m_timer.start(0);
+    }
+
+private:
+    QTimer m_timer;
+};
+
 } // namespace ui_test

@@ -9,20 +9,9 @@
 #include <QTemporaryDir>
 #include <QToolButton>
 
+using ui_test::Onlooker;
+
 namespace {
-
-/// A user who looks at the window again and again, whatever it does.
-class Onlooker {
-public:
-    explicit Onlooker(std::function<void()> looks)
-    {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, std::move(looks));
-        m_timer.start(0);
-    }
-
-private:
-    QTimer m_timer;
-};
 
 class LongWorkInTheWindow : public ui_test::Hand {
 protected:

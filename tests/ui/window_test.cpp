@@ -1,16 +1,12 @@
-// The window as a whole: commands typed and chosen, work that is not saved, panels, copies for a crash.
+// The window as a whole: commands typed and chosen, work that is not saved, panels.
 #include "hand.h"
 
 #include "db/table.h"
 #include "dxf/drawing_file.h"
 #include "ed/input.h"
-#include "ui/recovery.h"
 
 #include <QComboBox>
 #include <QTemporaryDir>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 using ui_test::Hand;
 
@@ -165,35 +161,4 @@ TEST_F(Hand, ThePropertyPanelChangesTheSelectionInOneStep)
             EXPECT_EQ(layerOf(b), "0");
         },
     });
-}
-
-// A process that ends without closing leaves its copy; one that closes leaves none; one that runs is let be.
-TEST_F(Hand, WorkIsFoundAgainAfterACrash)
-{
-    QTemporaryDir folder;
-    addLine(1, 2, 3, 4);
-    const pid_t crashing = ::fork();
-    if (crashing == 0) {
-        KcUiRecovery recovery(folder.path());
-        const bool ok = recovery.begin(database()).ok() && recovery.finished(true) == QString();
-        ::_exit(ok ? 0 : 1); // nothing is tidied up
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(crashing, &status, 0), crashing);
-    ASSERT_EQ(status, 0);
-
-    KcUiRecovery running(folder.path()), other(folder.path());
-    ASSERT_TRUE(running.begin(database()));
-    ASSERT_EQ(running.finished(true), QString());
-    {
-        const auto lost = other.lost();
-        ASSERT_EQ(lost.size(), 1u);
-        EXPECT_TRUE(KcUiRecovery(folder.path()).lost().empty()) << "offered twice";
-        KcDbDatabase found(KcDbDatabase::Content::kEmpty);
-        ASSERT_TRUE(dxf::readDrawing(lost.front().copy, found).ok);
-        KcUiRecovery::remove(lost.front());
-    }
-    EXPECT_TRUE(other.lost().empty());
-    running.discard();
-    EXPECT_TRUE(QDir(folder.path()).isEmpty());
 }

@@ -69,6 +69,7 @@ constexpr Variable kVariables[] = {
     { "PLINEWID", Home::Header, Type::Real, false, 40, 0, kMost, 0 },
     { "POLARANG", Home::Session, Type::Real, false, 0, 1, 180, 45 },
     { "POLARMODE", Home::Session, Type::Integer, false, 0, 0, 1, 0 },
+    { "SAVETIME", Home::Session, Type::Integer, false, 0, 0, 600, 5 },
     { "TEXTSIZE", Home::Header, Type::Real, false, 40, 1e-99, kMost, 2.5 },
     { "TEXTSTYLE", Home::Header, Type::Text, false, 7, 0, 0, 0, "STYLE" },
     { "TILEMODE", Home::Computed, Type::Integer, false, 0, 0, 1, 1 },

@@ -4,6 +4,7 @@
 #include "ed/command_stack.h"
 #include "ed/console.h"
 #include "ed/document_files.h"
+#include "ed/system_variables.h"
 #include "ui/canvas.h"
 #include "ui/command_line.h"
 #include "ui/drafting_aids.h"
@@ -288,10 +289,13 @@ void KcUiMainWindow::fillAutosaveMenu(QMenu& menu)
         QAction* action = menu.addAction(
             minutes == 0 ? QStringLiteral("Never") : QStringLiteral("Every %1 min").arg(minutes));
         action->setCheckable(true);
-        action->setChecked(KcUiAutosave::minutes() == minutes);
         choices->addAction(action);
-        QObject::connect(
-            action, &QAction::triggered, this, [this, minutes] { m_autosave.setMinutes(minutes); });
+        QObject::connect(&menu, &QMenu::aboutToShow, action, [action, minutes] {
+            action->setChecked(kcedVarInt(QStringLiteral("SAVETIME"), 0) == minutes);
+        });
+        QObject::connect(action, &QAction::triggered, action, [minutes] {
+            kcedSetVar(QStringLiteral("SAVETIME"), int64_t(minutes));
+        });
     }
 }
 

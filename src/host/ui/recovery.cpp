@@ -11,7 +11,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/wait.h>
@@ -37,10 +39,19 @@ int lockFile(const QString& path, int flags)
     return file;
 }
 
+/// A drawing is found again from whatever folder the program is started in.
+QString absolutePath(const QString& path)
+{
+    return path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
+}
+
+/// With what a writer has begun that was stopped.
 void removeFiles(const QString& stem)
 {
-    for (const char* extension : { ".dxf", ".json", ".lock" })
-        QFile::remove(stem + QLatin1String(extension));
+    const QFileInfo info(stem);
+    QDir folder(info.path());
+    for (const QString& name : folder.entryList({ info.fileName() + QStringLiteral(".*") }, QDir::Files))
+        folder.remove(name);
 }
 
 } // namespace
@@ -70,22 +81,33 @@ platform::Status KcUiRecovery::begin(KcDbDatabase& database)
             return { QStringLiteral("%1 cannot be written.").arg(path(".lock")) };
     }
     const QByteArray whose
-        = QJsonDocument(QJsonObject{ { QStringLiteral("drawing"), database.fileName() } }).toJson();
+        = QJsonDocument(QJsonObject{ { QStringLiteral("drawing"), absolutePath(database.fileName()) } })
+              .toJson();
     if (const platform::Status status = platform::writeFileAtomically(path(".json"), whose); !status)
         return status;
+    int report[2];
+    if (::pipe2(report, O_CLOEXEC | O_NONBLOCK) != 0)
+        return { QString::fromLocal8Bit(std::strerror(errno)) };
     // The child has the drawing as it is now, and its writing changes nothing here.
     const pid_t child = ::fork();
-    if (child < 0)
-        return { QStringLiteral("No process could be started for it.") };
     if (child == 0) {
         bool ok = false;
         try {
-            ok = dxf::saveDrawing(database, path(".dxf")).ok;
+            const dxf::Result result = dxf::saveDrawing(database, path(".dxf"));
+            ok = result.ok;
+            const QByteArray reason = result.error.toUtf8();
+            ok = ::write(report[1], reason.constData(), size_t(reason.size())) == reason.size() && ok;
         } catch (...) { // memory may be short; the child must end here in any case
         }
         ::_exit(ok ? 0 : 1);
     }
+    ::close(report[1]);
+    if (child < 0) {
+        ::close(report[0]);
+        return { QStringLiteral("No process could be started for it.") };
+    }
     m_writer = child;
+    m_report = report[0];
     return {};
 }
 
@@ -95,9 +117,19 @@ std::optional<QString> KcUiRecovery::finished(bool waits)
     if (m_writer <= 0 || ::waitpid(m_writer, &status, waits ? 0 : WNOHANG) == 0)
         return {};
     m_writer = 0;
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0
-        ? QString()
-        : QStringLiteral("The recovery copy could not be written to %1.").arg(m_folder);
+    const QString reason = whatWriterSaid();
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        return QString();
+    return reason.isEmpty() ? QStringLiteral("No recovery copy could be written to %1.").arg(m_folder)
+                            : QStringLiteral("No recovery copy could be written: %1").arg(reason);
+}
+
+QString KcUiRecovery::whatWriterSaid()
+{
+    char text[4096];
+    const ssize_t length = ::read(m_report, text, sizeof text);
+    ::close(std::exchange(m_report, -1));
+    return QString::fromUtf8(text, std::max<ssize_t>(length, 0));
 }
 
 void KcUiRecovery::endWriter()
@@ -107,6 +139,7 @@ void KcUiRecovery::endWriter()
     ::kill(m_writer, SIGKILL);
     ::waitpid(m_writer, nullptr, 0);
     m_writer = 0;
+    whatWriterSaid();
 }
 
 void KcUiRecovery::discard()

@@ -23,8 +23,8 @@ public:
     KcUiRecovery(const KcUiRecovery&) = delete;
     KcUiRecovery& operator=(const KcUiRecovery&) = delete;
 
-    /// Begins to write a copy in the place of the one before. A process of its own writes the drawing as it
-    /// is at this moment; nobody waits for it.
+    /// Begins to write a copy in the place of the one before, which stays until the new one is whole. A
+    /// process of its own writes the drawing as it is at this moment; nobody waits for it.
     platform::Status begin(KcDbDatabase& database);
     /// Why the copy that was begun could not be written, or an empty text when it is there; nothing while it
     /// is being written, unless that is waited for.
@@ -48,8 +48,10 @@ public:
 private:
     QString path(const char* extension) const { return m_stem + QLatin1String(extension); }
     void endWriter();
+    QString whatWriterSaid();
 
     QString m_folder, m_stem;
     int m_lock = -1;
     pid_t m_writer = 0;
+    int m_report = -1; ///< where the writer says what went wrong
 };
