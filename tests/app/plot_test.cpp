@@ -19,13 +19,13 @@ protected:
     QString said;
 };
 
-/// The share of pixels that are not white.
+/// The share of pixels that are drawn on: darker than the tints of the ground.
 double inked(const QImage& image)
 {
     int dark = 0;
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
-            dark += qGray(image.pixel(x, y)) < 250;
+            dark += qGray(image.pixel(x, y)) < 200;
     return double(dark) / (image.width() * image.height());
 }
 

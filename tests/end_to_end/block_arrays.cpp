@@ -342,9 +342,9 @@ TEST_F(BlockArrays, AreOneStepForUndo)
 TEST_F(BlockArrays, OnTheKerbOfARealPlan)
 {
     const auto before = referencesByName(*open(plan));
-    EXPECT_EQ(play(plan, { "BLOCKARRAY", "#3D3", "0", "1500", "#476", "", "72000,34000" }).status, 0);
+    EXPECT_EQ(play(plan, { "BLOCKARRAY", "#40C", "0", "1500", "#591", "", "72000,34000" }).status, 0);
     const auto database = open(result);
-    const KcDbRead<KcDbCurve> bed(database->findHandle(QStringLiteral("3D3")));
+    const KcDbRead<KcDbCurve> bed(database->findHandle(QStringLiteral("40C")));
     const Walked path(*bed);
     auto after = referencesByName(*database);
     EXPECT_EQ(after["悬铃木"] - before.at("悬铃木"), int(path.length() / 1500.0) + 1);
