@@ -8,7 +8,6 @@
 
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QIcon>
 
 namespace program {
 
@@ -39,9 +38,6 @@ int window(const Arguments& arguments)
         return kFileError;
     // By this name desktops find the entry of their menus that belongs to the window.
     QGuiApplication::setDesktopFileName(QStringLiteral("verdelis"));
-    QGuiApplication::setWindowIcon(QIcon(
-        QCoreApplication::applicationDirPath()
-        + QStringLiteral("/../share/icons/hicolor/scalable/apps/verdelis.svg")));
     KcUiMainWindow window;
     window.show();
     const KcEdSourceScope source(window.source());

@@ -114,6 +114,9 @@ KcUiMainWindow::KcUiMainWindow()
 
 KcUiMainWindow::~KcUiMainWindow()
 {
+    // The docks hide when they are destroyed, which is when this window has been.
+    for (QDockWidget* dock : findChildren<QDockWidget*>())
+        dock->disconnect(this);
     kcDocManagerPtr()->onCurrentChanged = nullptr;
     kcDocManagerPtr()->setMainWindow(nullptr);
     kcedSetProgressSink(nullptr);
