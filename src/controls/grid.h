@@ -344,8 +344,10 @@ private:
 
     // Selection
     void ShiftSelection(int from, int by);
-    void DropFromSelection(int first, int count);
+    /// Before rows leave the display: they are selected and edited no more.
+    void ForgetRows(int first, int count);
     void ClearRowSelection();
+    void MoveSelectedItem(int from, int by);
     void SelectOnly(int row);
     void ClickRow(int row, Qt::KeyboardModifiers modifiers);
     void CopySubtree(const CSGridTreeRow& from, CSGridTreeRow& to);
@@ -359,6 +361,22 @@ private:
     bool ShowTip(const QPoint& point, const QPoint& globalPoint);
 
     // Editing
+    /// Remembers a cell across notifications, whose code may delete rows and columns.
+    class CellWatch {
+    public:
+        CellWatch(const CSGrid& grid, CSGridCell& cell);
+        /// Null when the cell is displayed no more.
+        CSGridCell* cell() const;
+        /// The row in which the cell stands; where it is gone, the one that stands in its place, or -1.
+        int row() const;
+
+    private:
+        const CSGrid& m_grid;
+        CSGridCell* m_cell;
+        int m_row;
+        unsigned m_changes;
+    };
+    unsigned Changes() const { return m_rows.changes() + m_columnChanges; }
     void CommitText(CSGridCell& cell, const TString& text);
     void PlaceEditor();
     void CloseEditor();
@@ -387,6 +405,7 @@ private:
     std::unique_ptr<CSCellCtrl> m_editor;
     CSGridCell* m_editedCell = nullptr;
     bool m_active = false;
+    unsigned m_columnChanges = 0; // grows when columns come, go or move
     /// True while a key goes on with the word that type-ahead looks for.
     bool IsTyping() const;
     QString m_typed;

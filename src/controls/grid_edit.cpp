@@ -14,6 +14,31 @@ bool ending = false;
 
 } // namespace
 
+CSGrid::CellWatch::CellWatch(const CSGrid& grid, CSGridCell& cell)
+    : m_grid(grid)
+    , m_cell(&cell)
+    , m_row(cell.GetRow()->GetIndex())
+    , m_changes(grid.Changes())
+{
+}
+
+CSGridCell* CSGrid::CellWatch::cell() const
+{
+    if (m_grid.Changes() == m_changes)
+        return m_cell;
+    for (const CSGridRow* row : m_grid.m_rows.all())
+        for (int column = 0; column < row->GetCellCount(); ++column)
+            if (row->GetCell(column) == m_cell)
+                return m_cell;
+    return nullptr;
+}
+
+int CSGrid::CellWatch::row() const
+{
+    const CSGridCell* const found = cell();
+    return found ? found->GetRow()->GetIndex() : std::min(m_row, m_grid.GetRowCount() - 1);
+}
+
 void CSGrid::EditCell(int row, int column)
 {
     if (!GetCell(row, column))
@@ -63,12 +88,11 @@ void CSGrid::EndEdit()
     struct Reset {
         ~Reset() { ending = false; }
     } reset;
-    CSGridCell* cell = m_editedCell;
     if (m_editor && m_editor->IsModified()) {
         TString text;
         m_editor->GetNewText(text);
-        if (OnModified(*cell, text))
-            CommitText(*cell, text);
+        if (OnModified(*m_editedCell, text) && m_editedCell)
+            CommitText(*m_editedCell, text);
     }
     CloseEditor();
     Repaint();
@@ -181,7 +205,8 @@ int CSGrid::OnKeyArrow(int key)
     if (!IsEditing()) {
         if (key != Qt::Key_Down && key != Qt::Key_Up)
             return 0;
-        const int proposed = m_selectedItem + (key == Qt::Key_Down ? 1 : -1);
+        // From beyond the end the way up leads to the last row.
+        const int proposed = std::min(m_selectedItem, GetRowCount()) + (key == Qt::Key_Down ? 1 : -1);
         return AssertValidRow(proposed) ? MoveSelectionTo(proposed) : 1;
     }
     int row = m_editedCell->GetRow()->GetIndex();
@@ -232,17 +257,18 @@ int CSGrid::OnKeyReturn()
         EditCell(below, column);
         return 1;
     }
+    const CellWatch watch(*this, *m_editedCell);
     EndEdit();
-    SelectOnly(row);
+    SelectOnly(watch.row());
     return 1;
 }
 
 int CSGrid::OnKeyEscape()
 {
     if (IsEditing()) {
-        const CSGridRow* row = m_editedCell->GetRow();
+        const CellWatch watch(*this, *m_editedCell);
         EndEdit();
-        SelectOnly(row->GetIndex());
+        SelectOnly(watch.row());
         return 1;
     }
     int none = -1;
@@ -293,7 +319,8 @@ void CSGrid::PressCellButton(CSGridCell& cell)
     TString text = cell.GetText();
     if (m_editor && m_editedCell == &cell)
         m_editor->GetNewText(text);
-    if (!OnCellButtonDown(cell, text))
+    const CellWatch watch(*this, cell);
+    if (!OnCellButtonDown(cell, text) || !watch.cell())
         return;
     if (m_editor && m_editedCell == &cell) {
         m_editor->SetNewText(text);

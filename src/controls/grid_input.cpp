@@ -61,11 +61,11 @@ void CSGrid::PressCell(QMouseEvent& event)
     }
     const QRect box = FoldBoxRect(row); // empty for rows without children
     const bool onBox = column == 0 && !box.isEmpty() && box.adjusted(-2, -2, 2, 2).contains(event.pos());
-    CSGridRow* pressed = GetRow(row);
     // What was typed counts before anything else is asked; it may change what the row is.
+    const CellWatch pressed(*this, *GetCell(row, column));
     if (m_editedCell && m_editedCell != GetCell(row, column))
         EndEdit();
-    row = pressed->GetIndex();
+    row = pressed.cell() ? pressed.row() : -1;
     if (row < 0 || !OnRowSelectChange(m_selectedItem, row) || !AssertValidRow(row))
         return;
     SetSelectedItem(row);
@@ -82,14 +82,15 @@ void CSGrid::PressCell(QMouseEvent& event)
     if (event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier))
         return ClickRow(row, event.modifiers());
     CSGridCell* cell = GetCell(row, column);
+    const CellWatch watch(*this, *cell); // notifications may delete the row
+    const bool ticks = cell->GetCol()->IsCheckButton() && !cell->IsReadOnly();
     if (!cell->IsReadOnly() && OnBeforeEdit(*cell)) {
-        if (m_editedCell != cell)
-            EditCell(row, column);
-    } else if (!cell->GetCol()->IsCheckButton() || cell->IsReadOnly()) {
-        SelectOnly(row);
+        if (watch.cell() && m_editedCell != cell)
+            EditCell(watch.row(), cell->GetCol()->GetIndex());
+    } else if (!ticks) {
+        SelectOnly(watch.row());
     }
-    // The row may be gone by what a notification did.
-    if (onButton && GetCell(row, column) == cell)
+    if (onButton && watch.cell())
         PressCellButton(*cell);
 }
 

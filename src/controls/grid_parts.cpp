@@ -142,12 +142,14 @@ void GridHeader::mouseMoveEvent(QMouseEvent* event)
 
 void GridHeader::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (event->button() != Qt::LeftButton)
+        return;
     const int pressed = std::exchange(m_pressed, -1);
     const int target = std::exchange(m_target, -1);
     const bool dragged = std::exchange(m_dragged, false);
     m_resized = -1;
     update();
-    if (event->button() != Qt::LeftButton || pressed < 0)
+    if (pressed < 0)
         return;
     if (dragged && target >= 0) {
         m_grid.OnMoveCol(pressed, target);
@@ -241,7 +243,10 @@ void GridRowSelector::mousePressEvent(QMouseEvent* event)
         m_pressed = -1;
         return;
     }
-    m_grid.ClickRow(proposed, event->modifiers());
+    if (m_grid.AssertValidRow(proposed))
+        m_grid.ClickRow(proposed, event->modifiers());
+    else
+        m_grid.UnSelect();
     m_grid.SetSelectedItem(proposed);
 }
 
@@ -253,15 +258,22 @@ void GridRowSelector::mouseMoveEvent(QMouseEvent* event)
         m_dragged = m_grid.OnBeginMoveRow(m_pressed) != 0;
     if (!m_dragged)
         return;
-    const int target = rowAt(event->pos().y());
+    // Beside the rows in view the list moves on by a row.
+    int target = rowAt(event->pos().y());
+    if (event->pos().y() < 0)
+        target = std::max(0, m_grid.TopRow() - 1);
+    else if (target < 0)
+        target = m_grid.GetRowCount() - 1;
     m_target = target >= 0 && target != m_pressed && m_grid.OnMovingRow(m_pressed, target) ? target : -1;
     if (target >= 0)
         m_grid.EnsureVisible(target);
     update();
 }
 
-void GridRowSelector::mouseReleaseEvent(QMouseEvent*)
+void GridRowSelector::mouseReleaseEvent(QMouseEvent* event)
 {
+    if (event->button() != Qt::LeftButton)
+        return;
     const int pressed = std::exchange(m_pressed, -1);
     const int target = std::exchange(m_target, -1);
     const bool dragged = std::exchange(m_dragged, false);

@@ -118,6 +118,7 @@ void CSGrid::InsertColumn(int index, CSGridCol* given, int width)
     column->m_grid = this;
     column->m_left = 0;
     column->m_right = std::max(width, kLeastWidth);
+    ++m_columnChanges;
     m_columns.Insert(index, std::move(column));
     RenumberColumns();
     for (m_cursor = 0; m_cursor < GetRowCount(); ++m_cursor)
@@ -132,10 +133,13 @@ void CSGrid::DeleteColumn(int index)
     if (!AssertValidCol(index))
         return;
     EndEdit();
+    if (m_editedCell && m_editedCell->GetCol()->GetIndex() == index)
+        m_editedCell = nullptr; // by what was told of the edit's end
     TakeStretchBack();
     for (m_cursor = 0; m_cursor < GetRowCount(); ++m_cursor)
         if (CSGridRow* row = GetRow(m_cursor); !row->IsChildRow())
             row->DelCol(index);
+    ++m_columnChanges;
     m_columns.Take(index);
     RenumberColumns();
     std::erase(m_selectedCols, index);
@@ -150,8 +154,18 @@ void CSGrid::MoveCol(int from, int to)
         return;
     EndEdit();
     TakeStretchBack();
+    ++m_columnChanges;
     m_columns.Move(from, to);
     RenumberColumns();
+    for (long& selected : m_selectedCols) {
+        if (selected == from)
+            selected = to;
+        else if (from < to && selected > from && selected <= to)
+            --selected;
+        else if (to < from && selected >= to && selected < from)
+            ++selected;
+    }
+    std::sort(m_selectedCols.begin(), m_selectedCols.end());
     for (m_cursor = 0; m_cursor < GetRowCount(); ++m_cursor)
         if (CSGridRow* row = GetRow(m_cursor); !row->IsChildRow())
             row->MoveCol(from, to);
@@ -251,7 +265,7 @@ void CSGrid::DeleteRow(int index)
         // What is below must go, whoever would keep it unfolded.
         if (treeRow)
             HideRows(*treeRow, false);
-        DropFromSelection(index, 1);
+        ForgetRows(index, 1);
         m_rows.take(index);
         delete row;
     }
@@ -262,7 +276,7 @@ void CSGrid::DeleteRow(int index)
 void CSGrid::DeleteAll()
 {
     EndEdit();
-    m_selectedRows.clear();
+    ForgetRows(0, GetRowCount());
     m_selectedCols.clear();
     const std::vector<CSGridRow*> rows = m_rows.all();
     std::vector<CSGridRow*> owned;
@@ -281,6 +295,7 @@ void CSGrid::DisplayRows(int index, const std::vector<CSGridRow*>& rows)
     const int cursor = m_cursor;
     m_rows.insert(index, rows);
     ShiftSelection(index, int(rows.size()));
+    MoveSelectedItem(index, int(rows.size()));
     m_cursor = cursor;
     RecalcLayout();
 }
@@ -298,16 +313,24 @@ void CSGrid::HideRows(CSGridTreeRow& row, bool itself)
     // They follow each other unless a dialog has moved single rows.
     const int first = below.front()->GetIndex();
     const int count = int(below.size());
+    const CSGridRow* const item = GetRow(m_selectedItem);
+    const bool hidesItem = std::find(below.begin(), below.end(), item) != below.end();
     if (below.back()->GetIndex() == first + count - 1) {
-        DropFromSelection(first, count);
+        ForgetRows(first, count);
         m_rows.takeRange(first, count);
     } else {
         for (CSGridTreeRow* one : below) {
             const int index = one->GetIndex();
-            DropFromSelection(index, 1);
+            ForgetRows(index, 1);
             m_rows.take(index);
         }
     }
+    // An item that went is replaced by the row that was folded over it, or by the one in its place.
+    if (hidesItem)
+        m_selectedItem = itself ? std::min(first, GetRowCount() - 1) : row.GetIndex();
+    else if (item)
+        m_selectedItem = item->GetIndex();
+    m_selectionAnchor = std::min(m_selectionAnchor, GetRowCount() - 1);
     m_cursor = cursor;
     RecalcLayout();
 }
@@ -326,10 +349,15 @@ void CSGrid::RebuildDisplay(const std::vector<CSGridTreeRow*>& roots)
     std::vector<CSGridRow*> selected;
     for (const long index : m_selectedRows)
         selected.push_back(GetRow(int(index)));
+    CSGridRow* item = GetRow(m_selectedItem);
     std::vector<CSGridRow*> rows;
     for (CSGridTreeRow* root : roots)
         root->CollectDisplayed(rows);
     m_rows.assign(rows);
+    while (item && !item->m_piece && item->IsChildRow())
+        item = static_cast<CSGridTreeRow*>(item)->GetParentRow();
+    m_selectedItem = item ? item->GetIndex() : -1;
+    m_selectionAnchor = m_selectedItem;
     m_selectedRows.clear();
     for (CSGridRow* row : selected)
         if (row->m_piece)

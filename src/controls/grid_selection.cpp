@@ -107,12 +107,26 @@ void CSGrid::ShiftSelection(int from, int by)
         *index += by;
 }
 
-void CSGrid::DropFromSelection(int first, int count)
+// The selected item stays the row that it is when rows before it appear or go.
+void CSGrid::MoveSelectedItem(int from, int by)
+{
+    if (m_selectedItem >= from)
+        m_selectedItem += by;
+    if (m_selectionAnchor >= from)
+        m_selectionAnchor += by;
+}
+
+void CSGrid::ForgetRows(int first, int count)
 {
     const auto from = std::lower_bound(m_selectedRows.begin(), m_selectedRows.end(), long(first));
     const auto to = std::lower_bound(from, m_selectedRows.end(), long(first) + count);
     for (auto index = from; index != to; ++index)
         GetRow(int(*index))->m_selected = false;
+    if (m_editedCell) {
+        const int edited = m_editedCell->GetRow()->GetIndex();
+        if (edited >= first && edited < first + count)
+            m_editedCell = nullptr;
+    }
     for (auto index = m_selectedRows.erase(from, to); index != m_selectedRows.end(); ++index)
         *index -= count;
 }
@@ -148,6 +162,6 @@ void CSGrid::NotifyAccessibility()
 {
     if (!QAccessible::isActive())
         return;
-    QAccessibleEvent event(this, QAccessible::NameChanged);
+    QAccessibleValueChangeEvent event(this, QVariant());
     QAccessible::updateAccessibility(&event);
 }

@@ -29,6 +29,7 @@ size_t RowList::pieceOf(int index) const
 
 void RowList::changed(size_t piece)
 {
+    ++m_changes;
     m_valid = std::min(m_valid, piece + 1);
 }
 
@@ -142,6 +143,7 @@ void RowList::takeRange(int first, int count)
 
 void RowList::clear()
 {
+    ++m_changes;
     for (const auto& piece : m_pieces)
         for (CSGridRow* row : piece->rows)
             row->m_piece = nullptr;
@@ -153,6 +155,7 @@ void RowList::clear()
 
 void RowList::assign(const std::vector<CSGridRow*>& rows)
 {
+    ++m_changes;
     clear();
     for (size_t first = 0; first < rows.size(); first += kFull / 2) {
         auto piece = std::make_unique<RowPiece>();

@@ -34,6 +34,8 @@ public:
     void clear();
     void assign(const std::vector<CSGridRow*>& rows);
     std::vector<CSGridRow*> all() const;
+    /// Grows with every row that comes, goes or moves.
+    unsigned changes() const { return m_changes; }
 
 private:
     size_t pieceOf(int index) const;
@@ -46,4 +48,5 @@ private:
     mutable std::vector<int> m_firsts; // index of the first row of each piece, right below m_valid
     mutable size_t m_valid = 0;
     int m_count = 0;
+    unsigned m_changes = 0;
 };

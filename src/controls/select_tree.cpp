@@ -164,6 +164,25 @@ bool CSelTreeCtrl::canTick(const SelTreeItem* item)
     return item && item->m_state != kNoBox && !item->isDisabled();
 }
 
+// What is taken out counts no more; the items above then show what the others have in common.
+void CSelTreeCtrl::rowsAboutToBeRemoved(const QModelIndex& index, int start, int end)
+{
+    if (auto* parent = static_cast<SelTreeItem*>(itemFromIndex(index))) {
+        for (int place = start; place <= end; ++place)
+            --parent->m_childStates[parent->Child(place)->m_state];
+        const auto& counts = parent->m_childStates;
+        const int boxes = counts[kUnchecked] + counts[kPartial] + counts[kChecked];
+        if (boxes > 0 && parent->m_state != kNoBox && ticksTogether()) {
+            const unsigned state = counts[kChecked] == boxes ? kChecked
+                : counts[kUnchecked] == boxes                ? kUnchecked
+                                                             : kPartial;
+            SetState(*parent, state);
+            TravelSiblingAndParent(parent, state);
+        }
+    }
+    QTreeWidget::rowsAboutToBeRemoved(index, start, end);
+}
+
 void CSelTreeCtrl::keyPressEvent(QKeyEvent* event)
 {
     auto* item = static_cast<SelTreeItem*>(currentItem());

@@ -54,6 +54,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) override;
     /// After the user ticked an item.
     virtual void OnTicked(SelTreeItem&) { }
     /// Whether the state of an item goes up to those above it and down to those below.

@@ -1,6 +1,8 @@
 // Check states that go up and down a tree.
 #include "controls/select_tree.h"
 
+#include <QApplication>
+#include <QMouseEvent>
 #include <QTest>
 #include <gtest/gtest.h>
 
@@ -57,6 +59,38 @@ TEST(SelectTree, ItemsWithoutBoxAreNotToggled)
     tree.space(tree.plain);
     EXPECT_EQ(tree.states(), (States{ 1, 1, 0, 1, 1 }));
     EXPECT_NE(tree.tree.tickItem(QStringLiteral("plain"), true), QString());
+}
+
+TEST(SelectTree, WhatIsTakenOutCountsNoMore)
+{
+    Tree tree;
+    tree.space(tree.a);
+    delete tree.b; // the one that was not ticked
+    EXPECT_EQ(tree.tree.GetSelState(tree.group), 3u);
+    EXPECT_EQ(tree.tree.GetSelState(tree.top), 3u);
+    SelTreeItem* c = tree.tree.AddItem(QStringLiteral("c"), tree.group, 1);
+    EXPECT_EQ(tree.tree.GetSelState(tree.group), 2u);
+    tree.space(c);
+    EXPECT_EQ(tree.tree.GetSelState(tree.group), 3u);
+}
+
+TEST(SelectTree, ADoubleClickOnABoxIsTwoClicks)
+{
+    Tree tree;
+    tree.tree.expandAll();
+    tree.tree.resize(300, 200);
+    tree.tree.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&tree.tree));
+    const QRect row = tree.tree.visualItemRect(tree.a); // begins with the box
+    const QPoint box(row.left() + 8, row.center().y());
+    QTest::mouseClick(tree.tree.viewport(), Qt::LeftButton, {}, box);
+    ASSERT_EQ(tree.tree.GetSelState(tree.a), 3u);
+    QMouseEvent second(
+        QEvent::MouseButtonDblClick, box, tree.tree.viewport()->mapToGlobal(box), Qt::LeftButton,
+        Qt::LeftButton, {});
+    QApplication::sendEvent(tree.tree.viewport(), &second); // what comes in place of the second press
+    QTest::mouseRelease(tree.tree.viewport(), Qt::LeftButton, {}, box);
+    EXPECT_EQ(tree.tree.GetSelState(tree.a), 1u);
 }
 
 } // namespace
