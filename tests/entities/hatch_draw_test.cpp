@@ -189,4 +189,12 @@ TEST(WipeoutDrawing, FramesAsTheDrawingWants)
     EXPECT_EQ(drawn(*wipeout, 0.1).masks, 1);
     database.undo().undo();
     EXPECT_EQ(kcdbWipeoutFrame(database), 1);
+    // Shown, but not plotted.
+    kcdbSetWipeoutFrame(database, 2);
+    EXPECT_EQ(drawn(*wipeout, 0.1).strokes, 1u);
+    Notes paper;
+    paper.plotting = true;
+    wipeout->worldDraw(paper);
+    EXPECT_EQ(paper.strokes, 0u);
+    EXPECT_EQ(paper.masks, 1);
 }

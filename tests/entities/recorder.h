@@ -19,11 +19,13 @@ public:
     std::vector<Line> strokes, fills, masks;
     std::vector<std::pair<KcDbObjectId, KcGeMatrix3d>> blocks;
     QStringList missing;
+    bool plotting = false;
     /// Of the ink of texts (advance and height of capitals' ink) and of all lines and areas.
     KcGeExtents3d box;
 
     std::optional<KcGeExtents2d> window() const override { return std::nullopt; }
     double pixel() const override { return 0.0; }
+    bool isPlotting() const override { return plotting; }
     void setColor(const KcGiColor& color) override { m_color = color; }
     KcGiColor entityColor() const override { return { 3, -1 }; }
     void setLineWeight(int) override { }

@@ -3,6 +3,8 @@
 #include "gi/support.h"
 
 #include "db/polyline.h"
+#include "db/text.h"
+#include "gi/paint/plot.h"
 
 #include <limits>
 
@@ -138,4 +140,34 @@ TEST(BadInput, DashesAreCutToWhatIsSeen)
     for (int x = 0; x < 100; ++x)
         dark += qGray(at(image, x, 30)) < 128 || qGray(at(image, x, 29)) < 128;
     EXPECT_NEAR(dark, 50, 15);
+}
+
+// A text of a million letters became 320 MB of outlines, however little of it was to be seen.
+TEST(BadInput, OfALongTextOnlyWhatIsSeenIsDrawn)
+{
+    Drawing d;
+    auto text = std::make_unique<KcDbText>();
+    text->data().height = 5.0;
+    text->data().position = { 5, 5, 0 };
+    text->data().text = QStringLiteral("x树").repeated(500'000);
+    d.add(std::move(text));
+    BoxDevice device;
+    KcGiSceneOptions options;
+    options.area = QRectF(0, 0, 100, 100);
+    KcGiScene scene(d.database, device, options);
+    scene.drawSpace(d.database.modelSpace());
+    EXPECT_NEAR(device.textBox.min.x, 5.0, 1.0);
+    EXPECT_GT(device.textBox.max.x, 100.0);
+    EXPECT_LT(device.textBox.max.x, 5000.0);
+}
+
+TEST(BadInput, WhatIsTooFarAwayIsTold)
+{
+    Drawing d;
+    d.add(d.square(0, 0, 10));
+    d.add(d.square(1e20, 0, 10));
+    size_t tooFar = 0;
+    const KcGeExtents2d box = kcgiVisibleExtents(d.database, d.database.modelSpace(), &tooFar);
+    EXPECT_EQ(tooFar, 1u);
+    EXPECT_EQ(box.max.x, 10.0);
 }

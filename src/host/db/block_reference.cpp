@@ -3,6 +3,8 @@
 #include "db/block_reference.h"
 
 #include "db/database.h"
+#include "db/draw_raw.h"
+#include "db/header.h"
 #include "db/plane.h"
 #include "db/polyline.h"
 #include "db/spatial_filter.h"
@@ -184,15 +186,40 @@ KcGeMatrix3d KcDbBlockReference::blockTransform() const
         const KcGeVector3d y{ -s * m_data.scale.y, c * m_data.scale.y, 0.0 };
         const KcGeVector3d z{ 0.0, 0.0, m_data.scale.z };
         const KcGeVector3d origin = originOf(m_data.block);
-        return KcGeMatrix3d::fromAxes(
-            m_data.position - x * origin.x - y * origin.y - z * origin.z, x, y, z);
+        return KcGeMatrix3d::fromAxes(m_data.position - x * origin.x - y * origin.y - z * origin.z, x, y, z);
     }
     return placement(m_data) * KcGeMatrix3d::scaling(m_data.scale)
         * KcGeMatrix3d::translation(-originOf(m_data.block));
 }
 
+KcDbBlockReference::MissingFile KcDbBlockReference::missingFile() const
+{
+    const KcDbRead<KcDbBlockTableRecord> record(m_data.block);
+    if (!record || !record->isFromExternalReference() || !record->isEmpty())
+        return {};
+    QString name = record->data().xrefPath.section(u'\\', -1).section(u'/', -1);
+    if (name.isEmpty())
+        name = record->name();
+    // Nothing tells how large the other drawing is: the frame has room for the name in texts of the usual
+    // size.
+    const KcDbRead<KcDbHeader> header(database() ? database()->headerId() : KcDbObjectId());
+    const double given = header ? header->real("$TEXTSIZE", 0.0) : 0.0;
+    const double height = given > 0.0 && std::isfinite(given) ? given : 2.5;
+    const KcGeMatrix3d turn
+        = KcGeMatrix3d::planeToWorld(m_data.normal) * KcGeMatrix3d::rotation(m_data.rotation);
+    constexpr double kTall = 10.0; // heights of the text: the name fills a tenth of the frame
+    const double width = std::max(2.0 * kTall * height, 1.5 * KcGi::textAdvance({}, name, height));
+    return { name, turn * KcGeVector3d{ width, 0, 0 }, turn * KcGeVector3d{ 0, kTall * height, 0 } };
+}
+
 KcGeExtents3d KcDbBlockReference::extentsUnder(const KcGeMatrix3d& matrix) const
 {
+    if (const MissingFile file = missingFile(); !file.name.isEmpty()) {
+        KcGeExtents3d frame;
+        for (const KcGeVector3d corner : { KcGeVector3d(), file.right, file.up, file.right + file.up })
+            kcdbAddPoint(frame, matrix * (position() + corner));
+        return frame;
+    }
     KcGeExtents3d box = definitionUnder(matrix);
     for (const KcDbObjectId id : attributes())
         if (KcDbRead<KcDbAttribute> attribute(id); attribute && attribute->isVisible())
@@ -325,13 +352,18 @@ constexpr int kMostCells = 250'000; // of an array: more are a slip of the hand
 void KcDbBlockReference::worldDraw(KcGiWorldDraw& draw) const
 {
     const KcGeMatrix3d first = blockTransform();
+    if (const MissingFile file = missingFile(); !file.name.isEmpty()) {
+        draw.leftOut(QStringLiteral("the drawing %1 that is referred to, shown by its name").arg(file.name));
+        return kcdbDrawFrame(draw, position(), file.right, file.up, file.name);
+    }
     const auto clip = kcdbClipOf(*this);
     if (!m_data.array && !clip)
         return draw.block(m_data.block, first);
     const Array cell, &cells = m_data.array ? *m_data.array : cell;
-    const KcGeMatrix3d plane = KcGeMatrix3d::planeToWorld(m_data.normal)
-        * KcGeMatrix3d::rotation(m_data.rotation);
-    const int columns = std::clamp(cells.columns, 1, kMostCells), rows = std::clamp(cells.rows, 1, kMostCells);
+    const KcGeMatrix3d plane
+        = KcGeMatrix3d::planeToWorld(m_data.normal) * KcGeMatrix3d::rotation(m_data.rotation);
+    const int columns = std::clamp(cells.columns, 1, kMostCells),
+              rows = std::clamp(cells.rows, 1, kMostCells);
     if (int64_t(columns) * rows > kMostCells)
         return draw.leftOut(QStringLiteral("a block array of more than %1 cells").arg(kMostCells));
     if (clip)

@@ -61,6 +61,12 @@ public:
 private:
     /// The box of what the reference draws of its definition under a transform, every cell of an array counted.
     KcGeExtents3d definitionUnder(const KcGeMatrix3d& matrix) const;
+    /// What stands for another drawing that is referred to and not there: its name, and a frame from the position.
+    struct MissingFile {
+        QString name; ///< empty: nothing is missing
+        KcGeVector3d right, up; ///< world coordinates
+    };
+    MissingFile missingFile() const;
     Array& array();
 };
 

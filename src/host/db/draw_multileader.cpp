@@ -100,8 +100,9 @@ KcGiColor colorOf(int64_t packed, const KcGiColor& byBlock)
     }
 }
 
-void drawText(KcGiWorldDraw& draw, const KcDbGroupValues& context, const KcGiColor& own)
+void drawText(KcGiWorldDraw& draw, const KcDbGroupValues& context, const KcGiColor& own, bool isFramed)
 {
+    constexpr double kBelow = 1.0 / 3.0; // room under the last base line, in heights of the text
     constexpr int kCentred = 2, kRight = 3;
     KcDbMText text;
     KcDbMText::Data& d = text.data();
@@ -123,6 +124,18 @@ void drawText(KcGiWorldDraw& draw, const KcDbGroupValues& context, const KcGiCol
     text.setContents(context.text(304));
     text.drawIn(draw, colorOf(context.integer(90), own));
     draw.setColor(own);
+    const KcDbMTextLayout set = text.layout();
+    if (!isFramed || set.pieces.empty())
+        return;
+    const double gap = context.real(145), left = set.left - gap, right = set.right + gap,
+                 bottom = set.bottom - kBelow * d.height - gap, top = set.top + gap;
+    const KcGeMatrix3d toWorld = text.textTransform();
+    KcGiPath frame;
+    frame.polyline(
+        { toWorld * KcGePoint3d{ left, bottom, 0 }, toWorld * KcGePoint3d{ right, bottom, 0 },
+          toWorld * KcGePoint3d{ right, top, 0 }, toWorld * KcGePoint3d{ left, top, 0 } },
+        true);
+    draw.stroke(frame);
 }
 
 void drawBlock(KcGiWorldDraw& draw, const KcDbGroupValues& context, const KcDbValueList& groups)
@@ -205,7 +218,7 @@ void kcdbDrawMultileader(KcGiWorldDraw& draw, const KcDbRawEntity& entity, const
     }
     draw.setColor(color);
     if (context.integer(290) != 0)
-        drawText(draw, context, color);
+        drawText(draw, context, color, own.integer(292) != 0);
     else if (context.integer(296) != 0)
         drawBlock(draw, context, groups);
     else if (content.leaders.empty())

@@ -1,5 +1,6 @@
 // How texts are drawn: the runs of their fonts, and the lines under, over and through them.
 
+#include "db/tables.h"
 #include "db/text.h"
 #include "gi/sink/world_draw.h"
 
@@ -13,6 +14,15 @@ constexpr double kLeastPixels = 0.5;
 void rule(KcGiWorldDraw& draw, const KcGeMatrix3d& matrix, double x1, double y1, double x2, double y2)
 {
     draw.line(matrix * KcGePoint3d{ x1, y1, 0.0 }, matrix * KcGePoint3d{ x2, y2, 0.0 });
+}
+
+const QString kVerticalText = QStringLiteral("a text of a vertical style, drawn along its line");
+
+bool isVertical(KcDbObjectId style)
+{
+    constexpr int kVertical = 4;
+    const KcDbRead<KcDbTextStyleTableRecord> record(style);
+    return record && (record->flags() & kVertical);
 }
 
 bool canBeSet(double height)
@@ -31,6 +41,8 @@ void KcDbText::drawText(KcGiWorldDraw& draw, const QString* other) const
         return draw.leftOut(QStringLiteral("a text without a height"));
     const KcGi::TextStyle font = kcdbFontOfStyle(data.style, database());
     const KcGeMatrix3d toWorld = transformOf(data);
+    if (isVertical(data.style))
+        draw.leftOut(kVerticalText);
     draw.setContinuous(true);
     double x = 0.0;
     for (const Run& part : runsOf(data.text)) {
@@ -118,10 +130,13 @@ void KcDbMText::worldDraw(KcGiWorldDraw& draw) const
 void KcDbMText::drawIn(KcGiWorldDraw& draw, const KcGiColor& own) const
 {
     constexpr int kColored = 1, kBackground = 2, kFramed = 16;
+    constexpr int kTopToBottom = 3, kByStyle = 5;
     if (!canBeSet(m_data.height))
         return draw.leftOut(QStringLiteral("a text without a height"));
     const KcGeMatrix3d toWorld = textTransform();
     const KcDbMTextLayout set = layout();
+    if (m_data.flow == kTopToBottom || (m_data.flow == kByStyle && isVertical(m_data.style)))
+        draw.leftOut(kVerticalText);
     draw.setContinuous(true);
 
     if (const KcGeExtents3d box = backgroundOf(set); !box.isEmpty()) {

@@ -5,6 +5,8 @@
 #include "db/block_reference.h"
 #include "db/table_style.h"
 
+#include <functional>
+
 /// What a cell or the rows of one type say differently from the table style; absent: as the style says.
 struct KcDbTableLook {
     std::optional<KcDbObjectId> textStyle;
@@ -234,6 +236,9 @@ public:
 
     /// The rectangle of the cells, in world coordinates.
     KcGeExtents3d geomExtents() const override;
+    KcGeExtents3d extentsUnder(const KcGeMatrix3d& matrix) const override;
+    /// By its block; a table whose block is missing or empty draws its cells itself.
+    void worldDraw(KcGiWorldDraw& draw) const override;
     /// Moves, turns and scales evenly; mirroring moves the table to the mirrored place and leaves it
     /// readable. eCannotScaleNonUniformly for anything else.
     Kcad::ErrorStatus transformBy(const KcGeMatrix3d& matrix) override;
@@ -267,12 +272,15 @@ private:
     };
     Offsets offsets() const;
     KcGeExtents3d cellBox(const Offsets& lines, int row, int column) const;
-    void drawGrid(
-        const KcDbBlockTableRecord& block, KcDbObjectId layer, const Offsets& lines,
-        KcDbObjectId linetype) const;
-    void drawCell(
-        const KcDbBlockTableRecord& block, KcDbObjectId layer, const KcGeExtents3d& box, int row,
-        int column) const;
+    /// Takes what a table consists of, in the coordinates of the table; references with their attributes.
+    using Take
+        = std::function<void(std::unique_ptr<KcDbEntity>, std::vector<std::unique_ptr<KcDbAttribute>>)>;
+    /// Every part, in drawing order, with the heights that are known.
+    void parts(const KcDbDatabase& drawing, const Take& take) const;
+    void gridParts(KcDbObjectId layer, const Offsets& lines, KcDbObjectId linetype, const Take& take) const;
+    void cellParts(KcDbObjectId layer, const KcGeExtents3d& box, int row, int column, const Take& take) const;
+    /// False when the block that shows the table is missing or empty, as in files of programs that make none.
+    bool isDrawn() const;
 
     KcDbTableData m_table;
     KcDbObjectId m_blockOwner; ///< the table for which the anonymous block was made; null: this one

@@ -6,6 +6,7 @@
 #include "db/new_block.h"
 #include "db/table.h"
 #include "db/tables.h"
+#include "gi/sink/world_draw.h"
 
 namespace {
 
@@ -148,21 +149,65 @@ Kcad::ErrorStatus KcDbTable::recomputeTableBlock()
         if (KcDbWrite<KcDbEntity> entity(id); entity)
             entity->erase();
 
-    const KcDbObjectId layer = kcdbFindRecord(database()->layerTable(), QStringLiteral("0"));
+    using Attributes = std::vector<std::unique_ptr<KcDbAttribute>>;
+    parts(*database(), [&](std::unique_ptr<KcDbEntity> entity, Attributes attributes) {
+        const KcDbObjectId id = block->appendEntity(std::move(entity));
+        if (KcDbWrite<KcDbBlockReference> added(id); added)
+            for (std::unique_ptr<KcDbAttribute>& attribute : attributes)
+                added->appendAttribute(std::move(attribute));
+    });
+    return Kcad::eOk;
+}
+
+void KcDbTable::parts(const KcDbDatabase& drawing, const Take& take) const
+{
+    const KcDbObjectId layer = kcdbFindRecord(drawing.layerTable(), QStringLiteral("0"));
     const Offsets lines = offsets();
     for (int row = 0; row < numRows(); ++row)
         for (int column = 0; column < numColumns(); ++column) {
             const std::optional<KcDbCellRange> merge = mergeAt(row, column);
             if (!merge || (merge->minRow == row && merge->minColumn == column))
-                drawCell(*block, layer, cellBox(lines, row, column), row, column);
+                cellParts(layer, cellBox(lines, row, column), row, column, take);
         }
-    drawGrid(*block, layer, lines, kcdbFindRecord(database()->linetypeTable(), QStringLiteral("ByBlock")));
-    return Kcad::eOk;
+    gridParts(layer, lines, kcdbFindRecord(drawing.linetypeTable(), QStringLiteral("ByBlock")), take);
 }
 
-void KcDbTable::drawCell(
-    const KcDbBlockTableRecord& block, KcDbObjectId layer, const KcGeExtents3d& box, int row,
-    int column) const
+bool KcDbTable::isDrawn() const
+{
+    const KcDbRead<KcDbBlockTableRecord> block(m_data.block);
+    return !database() || (block && !block->isEmpty());
+}
+
+void KcDbTable::worldDraw(KcGiWorldDraw& draw) const
+{
+    if (isDrawn())
+        return KcDbBlockReference::worldDraw(draw);
+    const KcGeMatrix3d place = blockTransform();
+    using Attributes = std::vector<std::unique_ptr<KcDbAttribute>>;
+    parts(*database(), [&](std::unique_ptr<KcDbEntity> part, Attributes attributes) {
+        // ByBlock means the table.
+        if (part->color() == KcCmColor{ KcCmColor::kByBlock, -1 })
+            part->setColor(color());
+        part->setLayer(layerId());
+        part->transformBy(place);
+        draw.entity(*part);
+        for (const std::unique_ptr<KcDbAttribute>& attribute : attributes) {
+            attribute->transformBy(place);
+            draw.entity(*attribute);
+        }
+    });
+}
+
+KcGeExtents3d KcDbTable::extentsUnder(const KcGeMatrix3d& matrix) const
+{
+    if (isDrawn())
+        return KcDbBlockReference::extentsUnder(matrix);
+    const KcGeExtents3d cells = geomExtents();
+    return cells.isEmpty() ? cells : matrix.transformed(cells);
+}
+
+void KcDbTable::cellParts(
+    KcDbObjectId layer, const KcGeExtents3d& box, int row, int column, const Take& take) const
 {
     const KcDbTableCell& held = cell(row, column);
     if (const std::optional<KcCmColor> color = backgroundColor(row, column)) {
@@ -172,7 +217,7 @@ void KcDbTable::drawCell(
         fill->data().corners[1] = { box.max.x, box.max.y, 0.0 };
         fill->data().corners[2] = { box.min.x, box.min.y, 0.0 };
         fill->data().corners[3] = { box.max.x, box.min.y, 0.0 };
-        block.appendEntity(std::move(fill));
+        take(std::move(fill), {});
     }
 
     // Content is placed in the frame of the cell without margins, about its centre, and turned with the cell.
@@ -211,8 +256,7 @@ void KcDbTable::drawCell(
         reference->setRotation(held.rotation);
         prepare(*reference, layer, contentColor(row, column));
         const KcGeMatrix3d toCell = reference->blockTransform();
-        const KcDbObjectId id = block.appendEntity(std::move(reference));
-        KcDbWrite<KcDbBlockReference> added(id);
+        std::vector<std::unique_ptr<KcDbAttribute>> attributes;
         for (const KcDbTableCell::Attribute& text : held.attributes) {
             const KcDbRead<KcDbAttributeDefinition> from(text.definition);
             if (!from || from->isConstant())
@@ -224,8 +268,9 @@ void KcDbTable::drawCell(
             attribute->attribute().flags = from->attribute().flags;
             attribute->setTextString(text.text);
             attribute->transformBy(toCell);
-            added->appendAttribute(std::move(attribute));
+            attributes.push_back(std::move(attribute));
         }
+        take(std::move(reference), std::move(attributes));
         return;
     }
 
@@ -247,11 +292,11 @@ void KcDbTable::drawCell(
     data.rotation = held.rotation;
     data.location = centre + KcGeMatrix3d::rotation(held.rotation) * anchor;
     if (!text->plainText().trimmed().isEmpty())
-        block.appendEntity(std::move(text));
+        take(std::move(text), {});
 }
 
-void KcDbTable::drawGrid(
-    const KcDbBlockTableRecord& block, KcDbObjectId layer, const Offsets& lines, KcDbObjectId linetype) const
+void KcDbTable::gridParts(
+    KcDbObjectId layer, const Offsets& lines, KcDbObjectId linetype, const Take& take) const
 {
     const int rows = numRows(), columns = numColumns();
     // The merged area of every cell, so that no search is needed for each line.
@@ -289,7 +334,7 @@ void KcDbTable::drawGrid(
         prepare(*line, layer, look.color);
         line->setLinetypeId(linetype);
         line->setLineWeight(look.lineWeight);
-        block.appendEntity(std::move(line));
+        take(std::move(line), {});
     };
     // Joins the pieces 0 to `count` of one line that look the same.
     const auto run = [&](int count, auto lookOf, auto pointAt) {

@@ -78,7 +78,9 @@ void KcDbWipeout::worldDraw(KcGiWorldDraw& draw) const
     KcGiPath path;
     path.polyline(outline(), true);
     draw.mask(path);
-    if (!database() || kcdbWipeoutFrame(*database()) != 0) {
+    constexpr int kNone = 0, kScreenOnly = 2;
+    const int frame = database() ? kcdbWipeoutFrame(*database()) : 1;
+    if (frame != kNone && !(frame == kScreenOnly && draw.isPlotting())) {
         draw.setContinuous(true);
         draw.stroke(path);
     }

@@ -6,6 +6,7 @@
 #include "db/dictionary.h"
 #include "db/header.h"
 #include "db/tables.h"
+#include "db/wipeout.h"
 #include "ed/console.h"
 #include "ed/documents.h"
 #include "ed/editor.h"
@@ -78,6 +79,7 @@ constexpr Variable kVariables[] = {
     { "UCSYDIR", Home::Header, Type::Point, false, 10, 2, 0, 0 },
     { "VIEWCTR", Home::Computed, Type::Point, true, 0, 0, 0, 0 },
     { "VIEWSIZE", Home::Computed, Type::Real, true, 0, 0, 0, 0 },
+    { "WIPEOUTFRAME", Home::Computed, Type::Integer, false, 70, 0, 2, 1 },
 };
 
 const Variable* find(const QString& name)
@@ -167,6 +169,8 @@ KcEdVarValue computed(KcDbDatabase& database, const QString& name)
         return int64_t(database.currentSpace() == database.modelSpace());
     if (name == u"CECOLOR")
         return colorAsText(KcDbRead<KcDbHeader>(database.headerId())->integer("$CECOLOR", 256));
+    if (name == u"WIPEOUTFRAME")
+        return int64_t(kcdbWipeoutFrame(database));
     if (name == u"DWGNAME")
         return QFileInfo(database.fileName()).fileName();
     if (name == u"DWGPREFIX")
@@ -210,6 +214,11 @@ QString setComputed(KcDbDatabase& database, const QString& name, const KcEdVarVa
         if (block.isNull())
             return QStringLiteral("The drawing has no layout in paper space.");
         database.setCurrentSpace(block);
+        return {};
+    }
+    if (name == u"WIPEOUTFRAME") {
+        const KcApUndoStep step(database, QStringLiteral("SETVAR"));
+        kcdbSetWipeoutFrame(database, int(std::get<int64_t>(value)));
         return {};
     }
     const QString text = std::get<QString>(value);

@@ -290,7 +290,7 @@ QStringList kcgiLayoutNames(KcDbDatabase& database)
     return names;
 }
 
-KcGeExtents2d kcgiVisibleExtents(KcDbDatabase& database, KcDbObjectId space)
+KcGeExtents2d kcgiVisibleExtents(KcDbDatabase& database, KcDbObjectId space, size_t* tooFar)
 {
     KcGeExtents2d box;
     const KcDbRead<KcDbBlockTableRecord> record(space);
@@ -306,8 +306,14 @@ KcGeExtents2d kcgiVisibleExtents(KcDbDatabase& database, KcDbObjectId space)
             if (const KcDbRead<KcDbLayerTableRecord> layer(entity->layerId()); layer)
                 known->second = !layer->isOff() && !layer->isFrozen();
         const KcGeExtents3d own = known->second ? entity->geomExtents() : KcGeExtents3d();
-        if (!own.isEmpty() && kcgiIsDrawable(own.min) && kcgiIsDrawable(own.max))
+        if (own.isEmpty())
+            continue;
+        if (!kcgiIsDrawable(own.min) || !kcgiIsDrawable(own.max)) {
+            if (tooFar)
+                ++*tooFar;
+        } else {
             box.addExtents({ { own.min.x, own.min.y }, { own.max.x, own.max.y } });
+        }
     }
     return box;
 }
@@ -323,7 +329,8 @@ KcGiPlotResult kcgiPlot(KcDbDatabase& database, const KcGiPlotRequest& request)
                            .arg(request.layout, kcgiLayoutNames(database).join(QStringLiteral(", ")));
         return result;
     }
-    KcGeExtents2d box = request.window ? *request.window : kcgiVisibleExtents(database, space);
+    size_t tooFar = 0;
+    KcGeExtents2d box = request.window ? *request.window : kcgiVisibleExtents(database, space, &tooFar);
     if (box.isEmpty())
         box.addPoint({ 0, 0 });
     KcGiPlotRequest own = request;
@@ -342,5 +349,7 @@ KcGiPlotResult kcgiPlot(KcDbDatabase& database, const KcGiPlotRequest& request)
         result.error = plotSvg(job);
     else
         result.error = QStringLiteral("A plot is a .png, .pdf or .svg file, not \"%1\".").arg(request.path);
+    if (tooFar > 0)
+        result.leftOut[QStringLiteral("an entity too far away to be drawn")] += tooFar;
     return result;
 }

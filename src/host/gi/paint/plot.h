@@ -44,5 +44,6 @@ double kcgiUnitsPerMillimetre(KcDbDatabase& database);
 /// The block of a layout by its name ("Model" is model space); null when there is none.
 KcDbObjectId kcgiLayoutBlock(KcDbDatabase& database, const QString& name);
 QStringList kcgiLayoutNames(KcDbDatabase& database);
-/// The box of everything that is seen in a space.
-KcGeExtents2d kcgiVisibleExtents(KcDbDatabase& database, KcDbObjectId space);
+/// The box of everything that is seen in a space; `tooFar` grows by the entities that lie too far away to be
+/// drawn.
+KcGeExtents2d kcgiVisibleExtents(KcDbDatabase& database, KcDbObjectId space, size_t* tooFar = nullptr);

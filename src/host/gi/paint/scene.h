@@ -44,6 +44,7 @@ public:
     // KcGiWorldDraw
     std::optional<KcGeExtents2d> window() const override { return m_context.window; }
     double pixel() const override { return m_context.pixel; }
+    bool isPlotting() const override { return m_options.plotting; }
     void setColor(const KcGiColor& color) override;
     KcGiColor entityColor() const override;
     void setLineWeight(int hundredths) override;

@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kFinestPeriod = 3.0; // device units: shorter line type patterns look like an even line
 constexpr double kSmallestText = 0.6; // device units of capital height: below it a text is not seen
+constexpr qsizetype kPieceOfText = 256; // characters that are drawn together
 constexpr double kFar = 1e6; // device units: what lies further outside is cut off
 
 KcGePoint3d seen(const KcGeMatrix3d& matrix, KcGePoint3d p)
@@ -233,7 +234,28 @@ void KcGiScene::text(const KcGiTextRun& run)
         return;
     if (m_options.area && tall < kSmallestText)
         return;
-    m_device.text(run, QTransform(along.x, along.y, up.x, up.y, origin.x, origin.y), m_traits.color);
+    const auto put = [&](const KcGiTextRun& part, KcGePoint3d at) {
+        m_device.text(part, QTransform(along.x, along.y, up.x, up.y, at.x, at.y), m_traits.color);
+    };
+    if (!m_options.area || run.text.size() <= kPieceOfText)
+        return put(run, origin);
+    // Of a very long text only the pieces that are seen.
+    const QRectF area = m_options.area->adjusted(-tall, -tall, tall, tall);
+    KcGiTextRun part = run;
+    for (qsizetype from = 0; from < run.text.size() && !m_stopped; from += part.text.size()) {
+        qsizetype length = std::min(kPieceOfText, run.text.size() - from);
+        if (from + length < run.text.size() && run.text[from + length].isLowSurrogate())
+            ++length;
+        part.text = run.text.mid(from, length);
+        const double advance = KcGi::textAdvance(run.style, part.text, run.height);
+        const KcGePoint3d at = seen(m_context.matrix, part.origin);
+        const QRectF base(
+            QPointF(std::min(0.0, along.x), std::min(0.0, along.y)) * advance + QPointF(at.x, at.y),
+            QSizeF(std::abs(along.x), std::abs(along.y)) * advance);
+        if (base.adjusted(-2 * tall, -2 * tall, 2 * tall, 2 * tall).intersects(area))
+            put(part, at);
+        part.origin = part.origin + run.along * advance;
+    }
 }
 
 void KcGiScene::pushClip(const KcGiPath& area, bool inverted)

@@ -50,6 +50,8 @@ public:
     virtual std::optional<KcGeExtents2d> window() const = 0;
     /// The smallest length that can be told apart, in the current coordinates; 0 when everything counts.
     virtual double pixel() const = 0;
+    /// True on paper: what is shown on the screen only stays away.
+    virtual bool isPlotting() const { return false; }
     /// False when nothing of a box would be seen.
     bool wants(const KcGeExtents3d& box) const
     {
