@@ -429,6 +429,33 @@ TEST_F(BadInput, OddValuesAreSurvived)
 }
 
 // A failed save leaves the file as it was and nothing beside it.
+// A program of old closes the mark AcDbEntity at once; layer and colour follow under the mark of the class.
+TEST_F(BadInput, CommonValuesUnderTheMarkOfTheClass)
+{
+    const auto drawing = readDrawing(
+        "0\nSECTION\n2\nHEADER\n9\n$ACADVER\n1\nAC1015\n0\nENDSEC\n0\nSECTION\n2\nENTITIES\n0\nLINE\n5\n2A\n"
+        "100\nAcDbEntity\n100\nAcDbLine\n8\nRivers\n62\n3\n370\n50\n6\nByLayer\n10\n1\n20\n2\n11\n3\n21\n4\n"
+        "0\nENDSEC\n0\nEOF\n");
+    ASSERT_TRUE(drawing);
+    const KcDbObjectId id = drawing->findHandle(KcDbHandle(0x2A));
+    {
+        const KcDbRead<KcDbEntity> line(id);
+        ASSERT_TRUE(line);
+        EXPECT_EQ(line->layer(), "Rivers");
+        EXPECT_EQ(line->color().index, 3);
+        EXPECT_EQ(line->lineWeight(), 50);
+    }
+    // A change takes their place: nothing is said twice.
+    KcDbWrite<KcDbEntity>(id)->setColor({ 5, -1 });
+    const std::string saved = saveDrawing(*drawing);
+    EXPECT_NE(saved.find("AcDbLine\n8\nRivers\n"), std::string::npos) << saved;
+    EXPECT_EQ(saved.find("\n62\n3\n"), std::string::npos);
+    EXPECT_EQ(saved.find("Rivers", saved.find("Rivers") + 1), std::string::npos);
+    const auto again = readDrawing(saved);
+    ASSERT_TRUE(again);
+    EXPECT_EQ(KcDbRead<KcDbEntity>(again->findHandle(KcDbHandle(0x2A)))->color().index, 5);
+}
+
 TEST_F(BadInput, AFullDiskLeavesTheOldFile)
 {
     const QString path = folder.filePath("bad.dxf");

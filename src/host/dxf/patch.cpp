@@ -61,9 +61,11 @@ void matchSection(
     constexpr size_t kReach = 200;
     size_t at = a.begin;
     for (size_t j = s.begin; j < s.end; ++j) {
+        if (taken[j])
+            continue;
         const size_t last = std::min(a.end, at + kReach);
         for (size_t i = at; i < last; ++i) {
-            if (before[i].sameValue(source.groups[j])) {
+            if (matchOfBefore[i] == kNone && before[i].sameValue(source.groups[j])) {
                 matchOfBefore[i] = j;
                 taken[j] = true;
                 at = i + 1;
@@ -82,6 +84,22 @@ void matchSection(
                 break;
             }
         }
+    }
+}
+
+// Some programs close the mark AcDbEntity at once and say layer, colour and the like under the mark of the class.
+void matchMisplacedCommon(
+    const std::vector<OutGroup>& before, const std::vector<Section>& beforeSections, const SourceGroups& source,
+    const std::vector<Section>& sourceSections, std::vector<size_t>& matchOfBefore, std::vector<bool>& taken)
+{
+    for (size_t k = 0; k + 1 < sourceSections.size(); ++k) {
+        const Section& common = sourceSections[k];
+        if (common.name != QLatin1String("AcDbEntity"))
+            continue;
+        if (common.end == common.begin + 1)
+            if (const Section* there = findSection(beforeSections, common))
+                matchSection(before, *there, source, sourceSections[k + 1], matchOfBefore, taken);
+        return;
     }
 }
 
@@ -191,6 +209,8 @@ std::string patchRecord(
             matchSection(before, section, source, *there, matchOfBefore, taken);
         else if (sourceSections.size() <= 2) // a program that leaves the class marks out
             matchSection(before, section, source, sourceSections.front(), matchOfBefore, taken);
+
+    matchMisplacedCommon(before, beforeSections, source, sourceSections, matchOfBefore, taken);
 
     const std::vector<size_t> pairOfAfter = pairEqual(before, after);
     std::vector<bool> kept(before.size(), false);

@@ -231,7 +231,7 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
         codec = nullptr;
     auto* entity = isEntity ? static_cast<KcDbEntity*>(&object) : nullptr;
     auto* raw = object.isA() == KcDbRawEntity::desc() ? static_cast<KcDbRawEntity*>(&object) : nullptr;
-    bool hasName = false, hasFlags = false;
+    bool hasName = false, hasFlags = false, commonIsEmpty = true;
     UnknownPoint rawPoint;
 
     ReadState state{ context, cursor };
@@ -295,9 +295,11 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
             break;
         }
         if (entity
-            && (state.subclassCount == 0 || (state.subclassCount == 1 && state.subclass == "AcDbEntity"))
-            && readEntityCommon(*entity, group, context))
-            continue;
+            && (state.subclassCount == 0 || (state.subclassCount == 1 && state.subclass == "AcDbEntity"))) {
+            commonIsEmpty = false;
+            if (readEntityCommon(*entity, group, context))
+                continue;
+        }
         if (isTableRecord) {
             auto& record = static_cast<KcDbSymbolTableRecord&>(object);
             if (group.code == 2 && !hasName) {
@@ -312,8 +314,13 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
                 continue;
             }
         }
+        // Some programs close the mark AcDbEntity at once and say layer, colour and the like under the next one.
+        const bool isMisplaced = entity && commonIsEmpty && state.subclassCount == 2;
         if (codec) {
-            codec->read(object, group, state);
+            if (!codec->read(object, group, state) && isMisplaced)
+                readEntityCommon(*entity, group, context);
+        } else if (isMisplaced && group.code == 8) {
+            readEntityCommon(*entity, group, context);
         } else if (raw && state.subclass != "AcDbEntity") {
             readUnknown(*raw, group, context, rawPoint);
         }

@@ -117,7 +117,9 @@ QRgb KcGiScene::resolve(const KcGiColor& color, const Layer& layer) const
 {
     if (m_options.oneColor)
         return *m_options.oneColor;
-    if (color.rgb >= 0)
+    // White beside index 7 is the colour of the foreground, written twice.
+    const bool isForeground = color.index == 7 && color.rgb == 0xffffff;
+    if (color.rgb >= 0 && !isForeground)
         return 0xff000000u | QRgb(color.rgb);
     if (color.index == KcGiColor::kByLayer)
         return layer.rgb;
