@@ -2,29 +2,35 @@
 # Makes the big drawing, measures the program on it and prints one line per workload with the aim beside it.
 #   bench/run.sh [--quick] [--peers]
 #   bench/run.sh --regions
+#   bench/run.sh --window [--quick]
 #   --quick: a tenth of the drawing and one round; the aims are meant for the whole one
 #   --peers: also times ezdxf on the same drawing (minutes)
+#   --window: start, opening, panning and the crosshair in the window instead
 #   --regions: closed regions among 1,000 to 1,000,000 segments instead, GEOS beside it up to 100,000 (minutes)
 set -u
 cd "$(dirname "$0")/.." || exit 1
 . cmake/prepare.sh
 
 rounds=3
+symbols=200000
 peers=no
 regions=no
+window=no
 drawing=build/bench/big.dxf
 size=""
 for argument in "$@"; do
     case "$argument" in
     --quick)
         rounds=1
+        symbols=20000
         drawing=build/bench/quick.dxf
         size="--inserts 100000 --polylines 10000 --texts 2000"
         ;;
     --peers) peers=yes ;;
     --regions) regions=yes ;;
+    --window) window=yes ;;
     *)
-        echo "bench/run.sh takes --quick, --peers and --regions" >&2
+        echo "bench/run.sh takes --quick, --peers, --regions and --window" >&2
         exit 2
         ;;
     esac
@@ -41,11 +47,25 @@ if [ $regions = yes ]; then
     done
     exit 0
 fi
-build release build "drawing_bench vdlMain"
-if [ ! -f "$drawing.truth.json" ] || [ bench/make_big_drawing.py -nt "$drawing.truth.json" ]; then
-    echo "Writing $drawing" >&2
-    python3 bench/make_big_drawing.py "$drawing" $size || exit 1
+make_drawing() { # FILE OPTIONS
+    if [ ! -f "$1.truth.json" ] || [ bench/make_big_drawing.py -nt "$1.truth.json" ]; then
+        echo "Writing $1" >&2
+        python3 bench/make_big_drawing.py "$@" || exit 1
+    fi
+}
+if [ $window = yes ]; then
+    build release build "window_bench vdlMain"
+    make_drawing "$drawing" $size
+    make_drawing build/bench/symbols$symbols.dxf --inserts $symbols --polylines 0 --texts 0
+    build/bin/window_bench --start examples/planting-plan.dxf || exit 1
+    for shown in build/bench/symbols$symbols.dxf "$drawing"; do
+        echo "$shown"
+        build/bin/window_bench "$shown" || exit 1
+    done
+    exit 0
 fi
+build release build "drawing_bench vdlMain"
+make_drawing "$drawing" $size
 build/bin/drawing_bench "$drawing" "$rounds" || exit 1
 
 [ $peers = yes ] || exit 0

@@ -1,16 +1,23 @@
-// How long the window takes: steps of a pan, and from a move of the mouse to the drawn crosshair and snap
-// marker. Offscreen, on the toolkit's raster engine, as on a screen without the transfer to it.
+// How long the window takes: from the start of the program to the first complete picture, opening, steps of a
+// pan, and from a move of the mouse to the drawn crosshair and snap marker. Offscreen, on the toolkit's
+// raster engine, as on a screen without the transfer to it.
 
 #include "db/spatial_index.h"
 #include "ed/documents.h"
 #include "ed/host_commands.h"
+#include "ed/message_boxes.h"
+#include "ed/module.h"
 #include "ed/object_snap.h"
 #include "ed/system_variables.h"
+#include "platform/app_root.h"
 #include "ui/canvas.h"
 #include "ui/main_window.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QMouseEvent>
+#include <QProcess>
+#include <QTemporaryDir>
 
 #include <chrono>
 #include <cstdio>
@@ -51,15 +58,67 @@ Times timesOf(std::vector<double> all)
     return { all[all.size() / 2], all.back() };
 }
 
+/// What the program does until the drawing is seen; ends the process there.
+int showAndEnd(const QString& drawing)
+{
+    if (!platform::prepareAppRoot())
+        return 1;
+    kcedInstallDialogHandlers();
+    kcedRegisterHostCommands();
+    if (!kcrxDynamicLinker().loadModule(kcrxMainModulePath()))
+        return 1;
+    KcUiMainWindow window;
+    window.show();
+    if (!window.openDrawing(drawing))
+        return 1;
+    QApplication::processEvents();
+    PaintCount paints;
+    window.canvas().installEventFilter(&paints);
+    window.canvas().update();
+    ::_exit(paints.count > 0 ? 0 : 1);
+}
+
+/// From the call of the program to its first complete picture: the median of some calls after one that fills
+/// the application root and the system's cache.
+int measureStart(const QString& program, const QString& drawing)
+{
+    QTemporaryDir home;
+    qputenv("VERDELIS_ROOT", home.filePath(QStringLiteral("root")).toLocal8Bit());
+    qputenv("XDG_CONFIG_HOME", home.path().toLocal8Bit());
+    constexpr int kRounds = 9;
+    std::vector<double> all;
+    for (int i = -1; i < kRounds; ++i) {
+        int status = -1;
+        const double taken = milliseconds([&] {
+            status = QProcess::execute(program, { QStringLiteral("--show"), drawing });
+        });
+        if (status != 0)
+            return 1;
+        if (i >= 0)
+            all.push_back(taken);
+    }
+    std::printf(
+        "%-34s %8.1f ms (aim: 1000 ms)\n",
+        qPrintable(QStringLiteral("start, ") + QFileInfo(drawing).fileName()), timesOf(all).median);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // What the toolkit cannot do without a display does not matter here.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     QApplication application(argc, argv);
     application.setOrganizationName(QStringLiteral("verdelis-bench"));
-    if (argc < 2) {
-        std::fprintf(stderr, "window_bench DRAWING\n");
+    const QStringList arguments = application.arguments();
+    if (argc == 3 && arguments[1] == u"--show")
+        return showAndEnd(arguments[2]);
+    if (argc == 3 && arguments[1] == u"--start")
+        return measureStart(application.applicationFilePath(), arguments[2]);
+    if (argc != 2) {
+        std::fprintf(stderr, "window_bench [--start] DRAWING\n");
         return 2;
     }
     kcedRegisterHostCommands();
