@@ -21,15 +21,18 @@ void lookLikeCell(QWidget& widget, const CSGridCell& cell)
     widget.setContentsMargins(0, 0, 0, 0);
 }
 
-bool caretAtStart(const QLineEdit* line)
-{
-    return !line || (line->cursorPosition() == 0 && !line->hasSelectedText())
-        || (line->hasSelectedText() && line->selectedText() == line->text());
-}
-
 bool caretAtEnd(const QLineEdit* line)
 {
     return !line || line->cursorPosition() == line->text().size();
+}
+
+// The window lives until events are handled and must not tell an editor that is gone.
+void discard(QWidget* window)
+{
+    if (!window)
+        return;
+    QObject::disconnect(window, nullptr, window, nullptr);
+    window->deleteLater();
 }
 
 } // namespace
@@ -59,8 +62,7 @@ void CSCellCtrl::Destroy()
 
 CSCellEdit::~CSCellEdit()
 {
-    if (m_edit)
-        m_edit->deleteLater();
+    discard(m_edit);
 }
 
 QWidget* CSCellEdit::GetWnd() const
@@ -119,8 +121,32 @@ void CSCellEdit::SelectText()
         m_edit->selectAll();
 }
 
+// With the whole text chosen, as an edit begins, the caret is at the start as well as at the end.
+bool CSCellBox::IsLeftEnd() const
+{
+    const QLineEdit* const line = Line();
+    return !line || (line->cursorPosition() == 0 && !line->hasSelectedText())
+        || (line->hasSelectedText() && line->selectedText() == line->text());
+}
+
+bool CSCellBox::IsRightEnd() const
+{
+    return caretAtEnd(Line());
+}
+
+QWidget* CSCellBox::KeyWidget() const
+{
+    return Line() ? static_cast<QWidget*>(Line()) : GetWnd();
+}
+
+void CSCellBox::SelectText()
+{
+    if (QLineEdit* const line = Line())
+        line->selectAll();
+}
+
 CSCellCombo::CSCellCombo(CSGridCell& cell, const QStringList& choices, bool typing)
-    : CSCellCtrl(cell)
+    : CSCellBox(cell)
     , m_choices(choices)
     , m_typing(typing)
 {
@@ -128,8 +154,7 @@ CSCellCombo::CSCellCombo(CSGridCell& cell, const QStringList& choices, bool typi
 
 CSCellCombo::~CSCellCombo()
 {
-    if (m_combo)
-        m_combo->deleteLater();
+    discard(m_combo);
 }
 
 QWidget* CSCellCombo::GetWnd() const
@@ -162,16 +187,6 @@ void CSCellCombo::GetNewText(TString& text) const
         text = m_combo->currentText();
 }
 
-bool CSCellCombo::IsLeftEnd() const
-{
-    return !m_combo || caretAtStart(m_combo->lineEdit());
-}
-
-bool CSCellCombo::IsRightEnd() const
-{
-    return !m_combo || caretAtEnd(m_combo->lineEdit());
-}
-
 void CSCellCombo::SetNewText(const TString& text)
 {
     if (!m_combo)
@@ -188,21 +203,14 @@ QComboBox* CSCellCombo::Combo() const
     return m_combo;
 }
 
-QWidget* CSCellCombo::KeyWidget() const
+QLineEdit* CSCellCombo::Line() const
 {
-    return m_combo && m_combo->lineEdit() ? static_cast<QWidget*>(m_combo->lineEdit()) : m_combo.data();
-}
-
-void CSCellCombo::SelectText()
-{
-    if (m_combo && m_combo->lineEdit())
-        m_combo->lineEdit()->selectAll();
+    return m_combo ? m_combo->lineEdit() : nullptr;
 }
 
 CSCellSpinEdit::~CSCellSpinEdit()
 {
-    if (m_spin)
-        m_spin->deleteLater();
+    discard(m_spin);
 }
 
 QWidget* CSCellSpinEdit::GetWnd() const
@@ -239,29 +247,8 @@ void CSCellSpinEdit::GetNewText(TString& text) const
     text = QString::number(m_spin->value());
 }
 
-bool CSCellSpinEdit::IsLeftEnd() const
-{
-    return caretAtStart(Line());
-}
-
-bool CSCellSpinEdit::IsRightEnd() const
-{
-    return caretAtEnd(Line());
-}
-
 void CSCellSpinEdit::SetNewText(const TString& text)
 {
     if (m_spin)
         m_spin->setValue(int(text));
-}
-
-QWidget* CSCellSpinEdit::KeyWidget() const
-{
-    return Line();
-}
-
-void CSCellSpinEdit::SelectText()
-{
-    if (m_spin)
-        m_spin->selectAll();
 }

@@ -75,46 +75,51 @@ public:
     using CSCellEdit::CSCellEdit;
 };
 
-class CSCellCombo : public CSCellCtrl {
+/// What combo and spin boxes have in common: the caret is that of a line inside the window.
+class CSCellBox : public CSCellCtrl {
+public:
+    using CSCellCtrl::CSCellCtrl;
+    bool IsModified() const override { return m_modified; }
+    bool IsLeftEnd() const override;
+    bool IsRightEnd() const override;
+    void SetModified(bool on) override { m_modified = on; }
+    QWidget* KeyWidget() const override;
+    void SelectText() override;
+
+protected:
+    /// Null where nothing can be typed.
+    virtual QLineEdit* Line() const = 0;
+    bool m_modified = false;
+};
+
+class CSCellCombo : public CSCellBox {
 public:
     /// `typing`: the text can be typed, too.
     CSCellCombo(CSGridCell& cell, const QStringList& choices, bool typing);
     ~CSCellCombo() override;
     QWidget* GetWnd() const override;
     void Create(const QRect& rect, QWidget* parent) override;
-    bool IsModified() const override { return m_modified; }
     void GetNewText(TString& text) const override;
-    bool IsLeftEnd() const override;
-    bool IsRightEnd() const override;
-    void SetModified(bool on) override { m_modified = on; }
     void SetNewText(const TString& text) override;
-    QWidget* KeyWidget() const override;
-    void SelectText() override;
     QComboBox* Combo() const;
 
 private:
+    QLineEdit* Line() const override;
     QPointer<QComboBox> m_combo;
     QStringList m_choices;
-    bool m_typing, m_modified = false;
+    bool m_typing;
 };
 
-class CSCellSpinEdit : public CSCellCtrl {
+class CSCellSpinEdit : public CSCellBox {
 public:
-    using CSCellCtrl::CSCellCtrl;
+    using CSCellBox::CSCellBox;
     ~CSCellSpinEdit() override;
     QWidget* GetWnd() const override;
     void Create(const QRect& rect, QWidget* parent) override;
-    bool IsModified() const override { return m_modified; }
     void GetNewText(TString& text) const override;
-    bool IsLeftEnd() const override;
-    bool IsRightEnd() const override;
-    void SetModified(bool on) override { m_modified = on; }
     void SetNewText(const TString& text) override;
-    QWidget* KeyWidget() const override;
-    void SelectText() override;
 
 private:
-    QLineEdit* Line() const;
+    QLineEdit* Line() const override;
     QPointer<QSpinBox> m_spin;
-    bool m_modified = false;
 };

@@ -4,7 +4,7 @@
 //
 // grid_rows.cpp changes rows and columns, grid_selection.cpp selects, grid_commands.cpp has what users do to
 // rows, grid_paint.cpp paints and measures, grid_edit.cpp edits in cells, grid_input.cpp takes keys and
-// mouse.
+// mouse, grid_clipboard.cpp copies and pastes, grid_accessible.cpp speaks to screen readers.
 #pragma once
 
 #include "controls/grid_model.h"
@@ -154,6 +154,8 @@ public:
     int GetSelectedItem() const { return m_selectedItem; }
     /// The cursor goes there, too.
     void SetSelectedItem(int index);
+    /// Of the selected item, in the column clicked last; null where nothing is selected.
+    CSGridCell* GetCurrentCell() const;
 
     // What users do to rows
 
@@ -182,8 +184,9 @@ public:
     /// The selected columns, or else the selected rows, as lines of tab-separated texts.
     QString SelectedText() const;
     /// Writes tab-separated texts into the cells from one on, as edits: read-only cells are passed over,
-    /// `OnModified` is asked for each. Lines past the last row are left out.
-    void PasteText(int row, int column, const QString& text);
+    /// `OnEdit` and `OnModified` are asked for each. Nothing is written when the texts reach beyond the last
+    /// row or column. Empty, or a sentence saying what was not written.
+    QString PasteText(int row, int column, const QString& text);
     void UpdateAutoIncrementCol();
     /// Selects the first row, from `from` on and then from the top, whose cell reads like the text, letter
     /// case apart; rows below folded ones are unfolded. `whole` false: begins like it. Its index, or -1.
@@ -238,6 +241,11 @@ public:
     QString selectRow(int row) override;
     QString selectColumn(int column) override;
     std::vector<int> selectedRows() const override;
+
+    // Screen readers
+
+    /// The number by which they know a cell; -1 for none.
+    int ChildOfCell(int row, int column) const;
 
     QSize sizeHint() const override;
 
@@ -391,7 +399,10 @@ private:
     bool TypeAhead(const QString& text);
     int PageRows() const;
     void PasteFromClipboard();
+    bool TakesText(CSGridCell& cell, const TString& text);
+    /// Tells a screen reader which cell the user is on, or that a tick changed.
     void NotifyAccessibility();
+    void NotifyTick(const CSGridCell& cell);
 
     int m_treeGrid;
     unsigned m_style = 0;

@@ -43,9 +43,10 @@ void CSGrid::EditCell(int row, int column)
 {
     if (!GetCell(row, column))
         return;
-    if (!IsFlagSet(kEditSelectedRows) && GetSelCount() > 1 && IsRowSelected(row))
-        UnSelect();
     EndEdit();
+    // Several rows stay selected only where the edit is to apply to all of them.
+    if (!(IsFlagSet(kEditSelectedRows) && GetSelCount() > 1 && IsRowSelected(row)))
+        UnSelect();
     CSGridCell* cell = GetCell(row, column);
     if (!cell || !OnEdit(*cell))
         return;
@@ -138,6 +139,7 @@ int CSGrid::OnBeforeEdit(CSGridCell& cell)
     if (!cell.GetCol()->IsCheckButton())
         return 1;
     cell.SetText(int(cell) != 0 ? u"0" : u"1");
+    NotifyTick(cell);
     OnDataChanged();
     return 0;
 }

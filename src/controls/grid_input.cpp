@@ -6,7 +6,6 @@
 #include "controls/grid_parts.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -194,19 +193,11 @@ bool CSGrid::TypeAhead(const QString& text)
     return true;
 }
 
-void CSGrid::PasteFromClipboard()
-{
-    const QString text = QApplication::clipboard()->text();
-    const int row = m_selectedRows.empty() ? std::max(m_selectedItem, 0) : int(m_selectedRows.front());
-    const int column = m_selectedCols.empty() ? m_activeColumn : int(m_selectedCols.front());
-    // Whole rows begin at the first column.
-    PasteText(row, m_selectedRows.empty() ? column : 0, text);
-}
-
 void CSGrid::focusInEvent(QFocusEvent* event)
 {
     QAbstractScrollArea::focusInEvent(event);
     m_active = true;
+    NotifyAccessibility();
     Repaint();
 }
 

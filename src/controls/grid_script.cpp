@@ -1,48 +1,11 @@
-// The grid for scripts, by the way that mouse and keys go, and for screen readers.
+// The grid for scripts, by the way that mouse and keys go.
 
 #include "controls/grid.h"
 
 #include "controls/cell_editors.h"
 
-#include <QAccessible>
-#include <QAccessibleWidget>
 #include <QComboBox>
-
-namespace {
-
-/// The grid by its name, and the row that the user is on with the names of its columns.
-class AccessibleGrid : public QAccessibleWidget {
-public:
-    explicit AccessibleGrid(CSGrid& grid)
-        : QAccessibleWidget(&grid, QAccessible::Table)
-        , m_grid(grid)
-    {
-    }
-
-    QString text(QAccessible::Text kind) const override
-    {
-        const CSGridRow* row = m_grid.GetRow(m_grid.GetSelectedItem());
-        if (kind != QAccessible::Value || !row)
-            return QAccessibleWidget::text(kind);
-        QStringList parts;
-        for (int column = 0; column < m_grid.GetColumnCount(); ++column)
-            parts << m_grid.headerText(column) + u' ' + row->GetItemText(column);
-        return parts.join(QStringLiteral(", "));
-    }
-
-private:
-    CSGrid& m_grid;
-};
-
-QAccessibleInterface* accessibleGrid(const QString&, QObject* object)
-{
-    auto* grid = dynamic_cast<CSGrid*>(object);
-    return grid ? new AccessibleGrid(*grid) : nullptr;
-}
-
-[[maybe_unused]] const bool installed = (QAccessible::installFactory(accessibleGrid), true);
-
-} // namespace
+#include <QSpinBox>
 
 QString CSGrid::headerText(int column) const
 {
@@ -90,7 +53,22 @@ QString CSGrid::editCell(int row, int column, const QString& value)
         return {};
     m_editor->SetNewText(value);
     m_editor->SetModified(true);
+    if (const auto* spin = qobject_cast<QSpinBox*>(m_editor->GetWnd())) {
+        TString number;
+        m_editor->GetNewText(number);
+        if (number != value.trimmed()) {
+            m_editor->SetModified(false);
+            EndEdit();
+            return QStringLiteral("The cell takes a number from %1 to %2.")
+                .arg(spin->minimum())
+                .arg(spin->maximum());
+        }
+    }
+    const TString before = cell->GetText();
     EndEdit();
+    // The dialog may change a text as it takes it, and the row may be gone by then.
+    if (GetCell(row, column) == cell && cell->GetText() == before && before != value)
+        return QStringLiteral("The cell did not take the text.");
     return {};
 }
 

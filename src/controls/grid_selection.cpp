@@ -2,8 +2,6 @@
 
 #include "controls/grid.h"
 
-#include <QAccessible>
-
 bool CSGrid::IsRowSelected(int index) const
 {
     const CSGridRow* row = GetRow(index);
@@ -156,12 +154,4 @@ void CSGrid::ClickRow(int row, Qt::KeyboardModifiers modifiers)
         m_selectedRows.push_back(index);
     }
     SelectRow(row, 1);
-}
-
-void CSGrid::NotifyAccessibility()
-{
-    if (!QAccessible::isActive())
-        return;
-    QAccessibleValueChangeEvent event(this, QVariant());
-    QAccessible::updateAccessibility(&event);
 }
