@@ -324,6 +324,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -403,6 +404,7 @@ private:
     /// Tells a screen reader which cell the user is on, or that a tick changed.
     void NotifyAccessibility();
     void NotifyTick(const CSGridCell& cell);
+    static void OfferAccessibility();
 
     int m_treeGrid;
     unsigned m_style = 0;

@@ -266,9 +266,14 @@ QAccessibleInterface* accessibleGrid(const QString&, QObject* object)
     return grid ? new AccessibleGrid(*grid) : nullptr;
 }
 
-[[maybe_unused]] const bool installed = (QAccessible::installFactory(accessibleGrid), true);
-
 } // namespace
+
+// The toolkit asks the factory that came last first, and its own one comes with the application object.
+void CSGrid::OfferAccessibility()
+{
+    QAccessible::removeFactory(accessibleGrid);
+    QAccessible::installFactory(accessibleGrid);
+}
 
 CSGridCell* CSGrid::GetCurrentCell() const
 {

@@ -115,8 +115,14 @@ void CSGrid::CloseEditor()
 
 bool CSGrid::FocusIsInside() const
 {
-    const QWidget* focus = QApplication::focusWidget();
-    return focus && (focus == this || isAncestorOf(focus));
+    // The list that an editor opens is a window of its own, but no other place.
+    const auto inside = [this](const QWidget* widget) {
+        for (; widget && widget != this; widget = widget->parentWidget())
+            if (widget->isWindow() && widget->windowType() != Qt::Popup)
+                return false;
+        return widget != nullptr;
+    };
+    return inside(QApplication::focusWidget()) || inside(QApplication::activePopupWidget());
 }
 
 std::unique_ptr<CSCellCtrl> CSGrid::OnGetEditCtrl(CSGridCell& cell)

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QHelpEvent>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
@@ -191,6 +192,15 @@ bool CSGrid::TypeAhead(const QString& text)
         break;
     }
     return true;
+}
+
+// Names are found by what an input method gives, too.
+void CSGrid::inputMethodEvent(QInputMethodEvent* event)
+{
+    if (TypeAhead(event->commitString()))
+        event->accept();
+    else
+        event->ignore();
 }
 
 void CSGrid::focusInEvent(QFocusEvent* event)

@@ -12,7 +12,9 @@ constexpr int kLeastWidth = 4;
 CSGrid::CSGrid(int treeGrid, long)
     : m_treeGrid(treeGrid)
 {
+    OfferAccessibility();
     setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
     setFrameShape(QFrame::StyledPanel);
     viewport()->setMouseTracking(true);
     viewport()->setBackgroundRole(QPalette::NoRole);

@@ -96,9 +96,9 @@ TEST_F(Editors, AListWithTypingTakesOtherTextsToo)
     grid.GetCol(1)->SetComboEdit(true);
     grid.GetCol(1)->SetComboSel(true);
     grid.click(1, 1);
-    auto* line = qobject_cast<QLineEdit*>(QApplication::focusWidget());
-    ASSERT_TRUE(line);
-    EXPECT_EQ(line->selectedText(), u"r1c1");
+    auto* combo = qobject_cast<QComboBox*>(QApplication::focusWidget());
+    ASSERT_TRUE(combo && combo->lineEdit());
+    EXPECT_EQ(combo->lineEdit()->selectedText(), u"r1c1");
     hand::type(QStringLiteral("new"));
     hand::key(Qt::Key_Tab);
     EXPECT_EQ(text(), u"new");

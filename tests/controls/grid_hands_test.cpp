@@ -212,7 +212,7 @@ TEST(GridHands, TypingFindsRows)
     hand::type(QStringLiteral("x")); // nothing reads so, and the selection stays
     EXPECT_EQ(grid.selection(), (Rows{ 9 }));
     QTest::qWait(1100);
-    hand::type(QStringLiteral("香"));
+    hand::compose(QStringLiteral("香"));
     EXPECT_EQ(grid.selection(), (Rows{ 7 }));
 }
 

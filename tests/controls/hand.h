@@ -7,6 +7,7 @@
 
 #include <QClipboard>
 #include <QHelpEvent>
+#include <QInputMethodEvent>
 #include <QToolTip>
 
 namespace hand {
@@ -21,6 +22,15 @@ inline void type(const QString& text)
 {
     ASSERT_TRUE(QApplication::focusWidget());
     QTest::keyClicks(QApplication::focusWidget(), text);
+}
+
+/// As an input method gives it.
+inline void compose(const QString& text)
+{
+    ASSERT_TRUE(QApplication::focusWidget());
+    QInputMethodEvent event;
+    event.setCommitString(text);
+    QApplication::sendEvent(QApplication::focusWidget(), &event);
 }
 
 /// The header, the row selector or the corner of a grid.
@@ -54,12 +64,11 @@ inline void menu(QWidget& widget, QPoint at)
 /// What a tooltip there says; empty for none.
 inline QString tip(QWidget& widget, QPoint at)
 {
-    QToolTip::hideText();
+    QToolTip::hideText(); // a little later
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
     QHelpEvent event(QEvent::ToolTip, at, widget.mapToGlobal(at));
     QApplication::sendEvent(&widget, &event);
-    const QString text = QToolTip::isVisible() ? QToolTip::text() : QString();
-    QToolTip::hideText();
-    return text;
+    return QToolTip::isVisible() ? QToolTip::text() : QString();
 }
 
 /// Towards the user (negative) or away, by notches.
