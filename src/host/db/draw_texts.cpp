@@ -95,6 +95,17 @@ KcGiColor colorOf(const KcDbMTextFormat& format, const KcGiColor& own)
     return format.colorIndex >= 0 ? KcGiColor{ format.colorIndex, -1 } : own;
 }
 
+/// Where the letters of a piece may be, and a little more.
+KcGeExtents3d roomOf(const KcDbMTextLayout::Piece& piece, const KcGeMatrix3d& toWorld)
+{
+    const double margin = 2.0 * piece.format.height;
+    KcGeExtents3d box;
+    for (const double x : { piece.x - margin, piece.x + piece.width + margin })
+        for (const double y : { piece.baseline - margin, piece.baseline + margin })
+            box.addPoint(toWorld * KcGePoint3d{ x, y, 0.0 });
+    return box;
+}
+
 /// One piece of a line; with tracking, letter by letter.
 void drawPiece(KcGiWorldDraw& draw, const KcDbMTextLayout::Piece& piece, const KcGeMatrix3d& toWorld)
 {
@@ -157,7 +168,7 @@ void KcDbMText::drawIn(KcGiWorldDraw& draw, const KcGiColor& own) const
     }
     const double least = draw.pixel() * kLeastPixels / std::max(toWorld.axis(1).length(), 1e-300);
     for (const KcDbMTextLayout::Piece& piece : set.pieces) {
-        if (piece.format.height < least)
+        if (piece.format.height < least || !draw.wants(roomOf(piece, toWorld)))
             continue;
         draw.setColor(colorOf(piece.format, own));
         drawPiece(draw, piece, toWorld);
