@@ -67,6 +67,43 @@ TEST(Drag, AsksForPointsDistancesAndAngles)
     EXPECT_FALSE(kcedRestartDrag()); // none runs
 }
 
+// Faults: a preview of something else than the result, one that stays, one that changes the drawing.
+TEST(Drag, HandCommandsShowWhatTheyMake)
+{
+    const struct {
+        const char* name;
+        QStringList lines; // the last move is where the last answer is given
+    } cases[] = {
+        { "circle", { "CIRCLE", "0,0", "~3,4", "3,4" } },
+        { "diameter", { "CIRCLE", "0,0", "D", "~6,8", "6,8" } },
+        { "circle on two points", { "CIRCLE", "2P", "0,0", "~6,8", "6,8" } },
+        { "circle through three", { "CIRCLE", "3P", "0,0", "10,0", "~5,5", "5,5" } },
+        { "arc", { "ARC", "10,0", "0,10", "~-10,0", "-10,0" } },
+        { "arc about a centre", { "ARC", "C", "0,0", "10,0", "~0,10", "0,10" } },
+        { "arc by its direction", { "ARC", "0,0", "E", "10,0", "D", "~0,5", "0,5" } },
+        { "polyline", { "PLINE", "0,0", "~10,5", "10,5", "" } },
+        { "move", { "LINE", "0,0", "9,5", "", "MOVE", "L", "", "0,0", "~7,3", "7,3" } },
+        { "copy", { "CIRCLE", "0,0", "5", "COPY", "ALL", "", "0,0", "~7,3", "7,3" } },
+        { "rotate", { "LINE", "0,0", "9,5", "", "ROTATE", "L", "", "0,0", "~0,1", "0,1" } },
+        { "scale", { "LINE", "0,0", "9,5", "", "SCALE", "L", "", "0,0", "~2,0", "2,0" } },
+        { "mirror", { "LINE", "1,1", "9,5", "", "MIRROR", "L", "", "0,0", "~0,1", "0,1", "N" } },
+        { "offset", { "CIRCLE", "0,0", "5", "OFFSET", "2", "5,0", "~20,0", "20,0", "" } },
+    };
+    for (const auto& [name, lines] : cases) {
+        SCOPED_TRACE(name);
+        ed_test::Session session;
+        Shown shown;
+        EXPECT_EQ(session.run(lines), 0) << session.errors;
+        EXPECT_TRUE(shown.isEmpty);
+        ASSERT_FALSE(shown.boxes.empty());
+        const KcDbRead<KcDbBlockTableRecord> space(session.database.modelSpace());
+        const KcGeExtents3d made = KcDbRead<KcDbEntity>(space->entityIds().back())->geomExtents();
+        EXPECT_TRUE(made.min.isEqualTo(shown.boxes.back().min));
+        EXPECT_TRUE(made.max.isEqualTo(shown.boxes.back().max));
+        EXPECT_LE(space->entityIds().size(), 2u);
+    }
+}
+
 TEST(Drag, ThePreviewIsTheResultAndVanishes)
 {
     ed_test::Session session;
