@@ -6,6 +6,7 @@
 #include "ed/documents.h"
 #include "ed/module.h"
 #include "frame/command_table.h"
+#include "frame/tag_names.h"
 #include "platform/message_box.h"
 
 namespace {
@@ -28,6 +29,8 @@ void initialise(KcRxAppId application)
             nullptr, QStringLiteral("No language file found. Error loading Verdelis Software."),
             QStringLiteral("Verdelis Error"), platform::MessageBoxButtons::Ok,
             platform::MessageBoxIcon::Warning);
+    else
+        nameTags();
 }
 
 void unload()

@@ -387,3 +387,24 @@ TEST(HandCommands, BoundariesRunInsideCommandsAndAreUndoneWithThem)
     session.run([] { kcedCommand("OPEN", "x.dxf"); }, {});
     EXPECT_TRUE(session.printed.contains("OPEN cannot be used inside another command."));
 }
+
+// Faults: the systems of a drawing that was closed, or one that was gone back from, come again.
+TEST(HandCommands, GoesBackThroughTheCoordinateSystemsOfItsDrawing)
+{
+    {
+        Session other;
+        other.run({ "UCS", "50,50", "", "UCS", "1,1", "" });
+    }
+    Session session;
+    session.run({ "UCS", "P" });
+    EXPECT_TRUE(session.database.ucsToWorld() == KcGeMatrix3d());
+    session.printed.clear();
+    QStringList lines;
+    for (int i = 0; i < 10; ++i)
+        lines << "UCS" << "1,0" << "";
+    session.run(lines);
+    for (int x = 9; x >= 0; --x) {
+        session.run({ "UCS", "P" });
+        EXPECT_NEAR((session.database.ucsToWorld() * KcGePoint3d()).x, x, 1e-9) << session.printed.toStdString();
+    }
+}

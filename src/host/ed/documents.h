@@ -32,6 +32,8 @@ public:
         std::vector<KcEdView> before; ///< the latest last
     };
     std::map<KcDbObjectId, Views> views;
+    /// User coordinate systems that were current before, to world coordinates, the latest last.
+    std::vector<KcGeMatrix3d> coordinateSystems;
     /// The last point that was entered, in user coordinates; relative points count from it.
     KcGePoint3d lastPoint;
 

@@ -2,12 +2,15 @@
 
 #include "ui/property_panel.h"
 
+#include "db/curves.h"
 #include "db/dictionary.h"
 #include "db/tables.h"
 #include "ed/activity.h"
 #include "ed/console.h"
 #include "ed/documents.h"
 #include "ed/entity_dump.h"
+#include "ed/property_names.h"
+#include "ed/selection_filter.h"
 #include "widgets/colour_combo.h"
 
 #include <QComboBox>
@@ -20,15 +23,6 @@
 namespace {
 
 constexpr int kMostItems = 200; // of a long list of values; the rest is counted
-
-QString asText(const QJsonValue& value)
-{
-    if (value.isDouble())
-        return QString::number(value.toDouble(), 'g', 10);
-    if (value.isBool())
-        return value.toBool() ? QStringLiteral("yes") : QStringLiteral("no");
-    return value.toString();
-}
 
 QStringList recordNames(KcDbObjectId table)
 {
@@ -51,10 +45,12 @@ QString objectTitle(KcDbObjectId id)
         return handle + QStringLiteral(" (erased)");
     if (object->isKindOf(KcDbEntity::desc()))
         return QStringLiteral("%1 %2, %3")
-            .arg(object->isA()->name(), handle, static_cast<const KcDbEntity&>(*object).layer());
+            .arg(
+                kcedKindInWords(kcedEntityTypeName(static_cast<const KcDbEntity&>(*object))), handle,
+                static_cast<const KcDbEntity&>(*object).layer());
     if (const KcDbRead<KcDbDictionary> dictionary(object->ownerId()); dictionary)
         if (const QString name = dictionary->nameOf(id); !name.isEmpty())
-            return QStringLiteral("%1 %2").arg(name, handle);
+            return QStringLiteral("%1 %2").arg(kcedTagName(name).name, handle);
     return QStringLiteral("%1 %2").arg(object->isA()->name(), handle);
 }
 
@@ -202,11 +198,11 @@ void KcUiPropertyPanel::addLinks(const KcDbEntity& entity)
     QTreeWidgetItem* links = nullptr;
     const auto add = [&](const QString& name, const QString& value) {
         if (!links)
-            links = new QTreeWidgetItem(m_tree, { QStringLiteral("links"), QString() });
+            links = new QTreeWidgetItem(m_tree, { QStringLiteral("Links"), QString() });
         new QTreeWidgetItem(links, { name, value });
     };
     for (const KcDbObjectId id : entity.reactors())
-        add(QStringLiteral("tells"), objectTitle(id));
+        add(QStringLiteral("Followed by"), objectTitle(id));
     if (const KcDbRead<KcDbDictionary> extension(entity.extensionDictionary()); extension)
         for (const KcDbDictionary::Entry& entry : extension->data().entries) {
             QStringList values;
@@ -218,7 +214,7 @@ void KcUiPropertyPanel::addLinks(const KcDbEntity& entity)
                     else if (const QString text = value.text(); !text.isEmpty())
                         values += text;
                 }
-            add(entry.name, values.mid(0, kMostItems).join(QStringLiteral("; ")));
+            add(kcedTagName(entry.name).name, values.mid(0, kMostItems).join(QStringLiteral("; ")));
         }
     if (links)
         links->setExpanded(true);
@@ -243,9 +239,7 @@ void KcUiPropertyPanel::fill()
     showCommon(ids);
     if (ids.size() == 1) {
         if (const KcDbRead<KcDbEntity> entity(ids.front()); entity) {
-            const QJsonObject values = kcedDumpEntity(*entity);
-            for (auto value = values.begin(); value != values.end(); ++value)
-                addValue(nullptr, value.key(), value.value());
+            addValues(*entity);
             addLinks(*entity);
         }
     } else {
@@ -253,7 +247,7 @@ void KcUiPropertyPanel::fill()
         std::map<QString, int> types, layers;
         for (const KcDbObjectId id : ids)
             if (const KcDbRead<KcDbEntity> entity(id); entity) {
-                ++types[entity->isA()->name()];
+                ++types[kcedKindInWords(kcedEntityTypeName(*entity))];
                 ++layers[entity->layer()];
             }
         const auto addCounts = [&](const QString& title, const std::map<QString, int>& counts) {
@@ -268,10 +262,53 @@ void KcUiPropertyPanel::fill()
     m_tree->resizeColumnToContents(0);
 }
 
+// What the fields above show is not said again; what the entity is comes first, then what a plan is measured
+// by.
+void KcUiPropertyPanel::addValues(const KcDbEntity& entity)
+{
+    QJsonObject values = kcedDumpEntity(entity);
+    for (const char* shownAbove : { "layer", "color", "linetype" })
+        values.remove(QLatin1String(shownAbove));
+    if (values.value(QStringLiteral("plain")) == values.value(QStringLiteral("text")))
+        values.remove(QStringLiteral("text"));
+    const auto take = [&](const QString& key) {
+        if (const QJsonValue value = values.take(key); !value.isUndefined())
+            addValue(nullptr, key, value);
+    };
+    take(QStringLiteral("type"));
+    take(QStringLiteral("block"));
+    take(QStringLiteral("plain"));
+    take(QStringLiteral("pattern"));
+    if (entity.isKindOf(KcDbCurve::desc())) {
+        const KcGeCurve3d curve = static_cast<const KcDbCurve&>(entity).curve();
+        if (const auto length = curve.length())
+            addValue(nullptr, QStringLiteral("length"), *length);
+        if (const auto area = curve.area(); area && curve.isClosed())
+            addValue(nullptr, QStringLiteral("area"), std::abs(*area));
+    }
+    take(QStringLiteral("area"));
+    const QJsonObject tags = values.take(QStringLiteral("tags")).toObject();
+    if (!tags.isEmpty()) {
+        auto* parent = new QTreeWidgetItem(m_tree, { QStringLiteral("Tags"), QString() });
+        for (auto tag = tags.begin(); tag != tags.end(); ++tag) {
+            const KcEdTagName words = kcedTagName(tag.key());
+            const QString value = tag.value().toString();
+            auto* item = new QTreeWidgetItem(parent, { words.name, words.values.value(value, value) });
+            item->setToolTip(0, tag.key());
+            item->setToolTip(1, value);
+        }
+        parent->setExpanded(true);
+    }
+    for (auto value = values.begin(); value != values.end(); ++value)
+        addValue(nullptr, value.key(), value.value());
+}
+
 void KcUiPropertyPanel::addValue(QTreeWidgetItem* parent, const QString& name, const QJsonValue& value)
 {
-    auto* item = parent ? new QTreeWidgetItem(parent, { name, QString() })
-                        : new QTreeWidgetItem(m_tree, { name, QString() });
+    // Inside the rest, names are the drawing's own: of attributes, of rows.
+    const QString title = parent ? name : kcedPropertyInWords(name);
+    auto* item = parent ? new QTreeWidgetItem(parent, { title, QString() })
+                        : new QTreeWidgetItem(m_tree, { title, QString() });
     if (value.isObject()) {
         const QJsonObject members = value.toObject();
         for (auto member = members.begin(); member != members.end(); ++member)
@@ -286,12 +323,9 @@ void KcUiPropertyPanel::addValue(QTreeWidgetItem* parent, const QString& name, c
             new QTreeWidgetItem(
                 item, { QStringLiteral("…"), QStringLiteral("%1 more").arg(list.size() - kMostItems) });
     } else if (value.isArray()) {
-        QStringList numbers;
-        for (const QJsonValue& number : value.toArray())
-            numbers += asText(number);
-        item->setText(1, numbers.join(QStringLiteral(", ")));
+        item->setText(1, kcedValueInWords(name, value));
     } else {
-        item->setText(1, asText(value));
+        item->setText(1, kcedValueInWords(name, value));
         item->setToolTip(1, item->text(1));
     }
 }

@@ -25,6 +25,7 @@ private:
     void fill();
     void fillChoices();
     void showCommon(const std::vector<KcDbObjectId>& ids);
+    void addValues(const KcDbEntity& entity);
     void addLinks(const KcDbEntity& entity);
     /// Changes every selected entity that is not on a locked layer, as one undo step.
     void change(std::function<void(KcDbEntity&)> setting);

@@ -17,23 +17,25 @@ struct System {
     KcGeVector3d x = KcGeVector3d::kXAxis, y = KcGeVector3d::kYAxis;
 };
 
-System current()
+System systemOf(const KcGeMatrix3d& toWorld)
 {
-    const KcGeMatrix3d toWorld = database().ucsToWorld();
     return { toWorld * KcGePoint3d(), toWorld.axis(0), toWorld.axis(1) };
 }
 
-/// Systems that were current before, the latest last; of each drawing by its name in memory.
-std::vector<System>& before()
+System current()
 {
-    static std::map<const KcDbDatabase*, std::vector<System>> all;
-    return all[&database()];
+    return systemOf(database().ucsToWorld());
+}
+
+std::vector<KcGeMatrix3d>& before()
+{
+    return kcDocManagerPtr()->curDocument()->coordinateSystems;
 }
 
 void setCurrent(const System& system)
 {
     constexpr size_t kRemembered = 10;
-    const System old = current();
+    const KcGeMatrix3d old = database().ucsToWorld();
     KcDbWrite<KcDbHeader> header(database().headerId());
     header->set(QStringLiteral("$UCSORG"), { 10, system.origin });
     header->set(QStringLiteral("$UCSXDIR"), { 10, KcGePoint3d() + system.x });
@@ -44,9 +46,7 @@ void setCurrent(const System& system)
     // Relative points count from the same place as before.
     header.close();
     KcApDocument& document = *kcDocManagerPtr()->curDocument();
-    const KcGeMatrix3d oldToWorld
-        = KcGeMatrix3d::fromAxes(old.origin, old.x, old.y, old.x.crossProduct(old.y));
-    document.lastPoint = database().ucsToWorld().inverse() * (oldToWorld * document.lastPoint);
+    document.lastPoint = database().ucsToWorld().inverse() * (old * document.lastPoint);
 }
 
 /// The system through an origin, a point on its X axis and one on the side of its Y axis; nothing when they
@@ -98,9 +98,10 @@ void goBack()
 {
     if (before().empty())
         return kcedSay(QStringLiteral("There is no coordinate system before this one."));
-    const System system = before().back();
+    const System system = systemOf(before().back());
+    before().pop_back();
     setCurrent(system);
-    before().resize(before().size() - 2); // the one gone back from is not to be gone back to
+    before().pop_back(); // the one gone back from is not to be gone back to
 }
 
 void askSave()
