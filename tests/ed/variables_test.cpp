@@ -27,6 +27,10 @@ TEST(Variables, OfTheDrawingAreUndone)
     EXPECT_EQ(kcedVarText("CLAYER"), "0");
     EXPECT_EQ(kcedVarInt("PICKBOX", 0), 9);
     kcedSetVar("PICKBOX", int64_t(3));
+    s.run({ "WIPEOUTFRAME", "2" });
+    EXPECT_EQ(kcedVarInt("WIPEOUTFRAME", 0), 2);
+    s.run({ "U" });
+    EXPECT_EQ(kcedVarInt("WIPEOUTFRAME", 0), 1);
 }
 
 TEST(Variables, RefuseWhatTheyCannotBe)
@@ -47,6 +51,7 @@ TEST(Variables, RefuseWhatTheyCannotBe)
         { "CECOLOR", QString("bylayer"), true },
         { "CECOLOR", QString("257"), false },
         { "CTAB", QString("no such layout"), false },
+        { "WIPEOUTFRAME", int64_t(3), false },
         { "NOSUCH", int64_t(1), false },
     };
     for (const auto& row : rows)
