@@ -29,7 +29,11 @@ size_t entitiesOf(KcDbDatabase& database)
 
 class Copies : public ui_test::Hand {
 protected:
-    Copies() { kcedSetVar("SAVETIME", int64_t(2)); }
+    Copies()
+    {
+        kcedSetVar("SAVETIME", int64_t(2));
+        autosave.clock = [this] { return now; };
+    }
     ~Copies() override { kcedSetVar("SAVETIME", int64_t(5)); }
 
     QStringList files(const QString& pattern = "*")
@@ -67,6 +71,8 @@ protected:
     }
 
     QTemporaryDir folder;
+    KcUiAutosave autosave{ folder.path() };
+    qint64 now = 0; ///< milliseconds, as the autosave sees them
 
 private:
     qsizetype m_shown = 0;
@@ -77,10 +83,6 @@ private:
 // Faults: a copy too early or never, one in the midst of a command, one that stays when the work is saved.
 TEST_F(Copies, AreWrittenSomeMinutesAfterAChange)
 {
-    qint64 now = 0;
-    KcUiAutosave autosave(folder.path());
-    kcedSetVar("SAVETIME", int64_t(2));
-    autosave.clock = [&] { return now; };
     const auto after = [&](int seconds) {
         now += seconds * 1000;
         autosave.check();
@@ -115,9 +117,9 @@ TEST_F(Copies, AreWrittenSomeMinutesAfterAChange)
 TEST_F(Copies, TheIntervalIsRemembered)
 {
     {
-        KcUiAutosave autosave(folder.path());
+        KcUiAutosave other(folder.path());
         kcedSetVar("SAVETIME", int64_t(17));
-        autosave.check();
+        other.check();
     }
     kcedSetVar("SAVETIME", int64_t(3));
     const KcUiAutosave again(folder.path());
@@ -133,10 +135,6 @@ TEST_F(Copies, TheIntervalIsRemembered)
 // other attempt.
 TEST_F(Copies, WhatCannotBeWrittenIsSaidInOneLine)
 {
-    qint64 now = 0;
-    KcUiAutosave autosave(folder.path());
-    kcedSetVar("SAVETIME", int64_t(2));
-    autosave.clock = [&] { return now; };
     const auto after = [&](int minutes) {
         now += minutes * 60'000;
         autosave.check();

@@ -1,6 +1,7 @@
 // Long work in the window: what the user sees of it, and how he stops it.
 #include "hand.h"
 
+#include "db/block_reference.h"
 #include "dxf/drawing_file.h"
 #include "ed/status_bar.h"
 
@@ -166,6 +167,40 @@ TEST_F(LongWorkInTheWindow, CommandsAreStopped)
         EXPECT_FALSE(stop().isEnabled());
     }
     EXPECT_FALSE(stop().isVisible());
+}
+
+// The same of a command of the module, with the hand: what stands stays, as one step.
+TEST_F(LongWorkInTheWindow, ARowOfPlantsIsStopped)
+{
+    ASSERT_TRUE(window.openDrawing(QStringLiteral(VERDELIS_SOURCE_DIR "/examples/planting-plan.dxf")));
+    KcDbObjectId symbol;
+    for (const KcDbObjectId id : *KcDbRead<KcDbBlockTableRecord>(database().modelSpace()))
+        if (symbol.isNull() && KcDbRead<KcDbEntity>(id)->isKindOf(KcDbBlockReference::desc()))
+            symbol = id;
+    const KcDbObjectId path = addLine(0, 0, 100'000, 0);
+    const size_t before = entities();
+    const auto line = [&](const QString& text) { return [this, text] { type(text + QLatin1Char('\r')); }; };
+    const auto handle = [](KcDbObjectId id) { return QLatin1Char('#') + QString::number(id.handle(), 16); };
+    const Onlooker onlooker([&] {
+        if (stop().isVisible() && bar().value() >= 30)
+            QTest::mouseClick(&stop(), Qt::LeftButton);
+    });
+    run({
+        line("BLOCKARRAY"),
+        line(handle(path)),
+        line("0"),
+        line("D"),
+        line("4000"),
+        line(handle(symbol)),
+        [&] { press(Qt::Key_Return); },
+        [&] {
+            EXPECT_GT(entities(), before + 1000) << history();
+            EXPECT_LT(entities(), before + 2000);
+            EXPECT_FALSE(bar().isVisible());
+            type("U\r");
+        },
+        [&] { EXPECT_EQ(entities(), before); },
+    });
 }
 
 // A button of a dialog pressed again while its work runs would begin the work in the midst of itself.
