@@ -204,6 +204,36 @@ TEST(RegionSearch, FacesFillTheUnion)
     }
 }
 
+// Curves that run side by side about as near as the tolerance: what is between them is no region, and which side of
+// which they pass decides what the regions beside them are.
+TEST(RegionSearch, KeepsTheOrderOfCurvesThatHardlyPart)
+{
+    const double off = 1.2 * KcGeRegionTolerances().onCurve;
+    std::mt19937 random(3);
+    for (int turn = 0; turn < 40; ++turn)
+        for (const double side : { 1.0, -1.0 }) {
+            const KcGeMatrix3d placed = KcGeMatrix3d::translation({ turn * 37.3, -turn * 11.9, 0 })
+                * KcGeMatrix3d::rotation(turn * 0.161);
+            // Two ends beside a line, one on each side of it, are one node, which the line passes by.
+            Segments ends{ line(0, 0, 5, -side * off), line(5, side * off, 5, 5), line(0, 0, 10, 0),
+                           line(0, 0, 5, 5), line(5, 5, 10, 0) };
+            // A line and an arc between the same two points that part by little in the middle only.
+            Segments bows = square(0, 0, 10);
+            bows.push_back(line(0, 5, 10, 5));
+            bows.push_back(KcGeSegment2d::bulge({ 0, 5 }, { 10, 5 }, side * off));
+            for (const auto& [segments, area] : { std::pair{ &ends, 12.5 }, std::pair{ &bows, 50.0 } }) {
+                SCOPED_TRACE(std::to_string(area) + " at turn " + std::to_string(turn));
+                for (KcGeSegment2d& segment : *segments)
+                    segment = segment.transformed(placed);
+                std::shuffle(segments->begin(), segments->end(), random);
+                const KcGeRegionSearch found(*segments);
+                ASSERT_EQ(found.size(), 2u);
+                EXPECT_NEAR(found.area(0), area, 1e-2);
+                EXPECT_NEAR(found.area(1), area, 1e-2);
+            }
+        }
+}
+
 // No number that is none, no speck and no huge value may stop the search or get into a region.
 TEST(RegionSearch, StandsDegenerateInput)
 {
