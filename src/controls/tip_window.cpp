@@ -26,7 +26,6 @@ QString right(const QString& line)
 CTipWnd::CTipWnd(QWidget* frame)
     : QWidget(frame)
 {
-    setFont(QApplication::font("QMenu"));
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
     hide();
@@ -34,6 +33,9 @@ CTipWnd::CTipWnd(QWidget* frame)
 
 void CTipWnd::Show(const QStringList& lines, int x, int y)
 {
+    if (lines.isEmpty())
+        return hide();
+    setFont(QApplication::font("QMenu")); // the desktop may have changed it since
     m_lines = lines;
     m_leftWidth = m_rightWidth = m_leftHeight = m_rightHeight = 0;
     const QFontMetrics metrics(font());

@@ -9,8 +9,8 @@ public:
     /// A child of the frame, hidden until `Show`.
     explicit CTipWnd(QWidget* frame);
 
-    /// Shows lines "name,value" with the top left corner at a point of the frame, moved so that the window
-    /// stays inside.
+    /// Shows lines "name,value" with the top left corner at a point of the frame, moved left or up where it
+    /// would cross the frame's edge. Neither focus nor mouse go to it. Without lines it hides.
     void Show(const QStringList& lines, int x, int y);
 
 protected:
