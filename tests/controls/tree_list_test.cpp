@@ -1,12 +1,14 @@
 // Ticking and editing in place, with mouse and keys, in a list as the header settings have it.
 #include "controls/tree_list.h"
 #include "support.h"
+#include "widgets/theme.h"
 
 #include <QAccessible>
 #include <QClipboard>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QInputMethodEvent>
+#include <QStyle>
 #include <QToolTip>
 
 namespace {
@@ -230,6 +232,42 @@ TEST_F(TreeList, TooltipsShowWhatIsCutOff)
     EXPECT_EQ(tipAt(cell(number, 1)), "");
     EXPECT_EQ(tipAt(cell(count, 1)), QString(80, u'树'));
     QToolTip::hideText();
+}
+
+namespace {
+
+double luminance(QRgb colour)
+{
+    const auto linear = [](int channel) {
+        const double c = channel / 255.0;
+        return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour)) + 0.0722 * linear(qBlue(colour));
+}
+
+// Contrast as the Web Content Accessibility Guidelines 2.1 define it; they ask for 3 of what marks a control.
+double contrast(QRgb a, QRgb b)
+{
+    const double la = luminance(a), lb = luminance(b);
+    return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
+}
+
+} // namespace
+
+TEST_F(TreeList, EmptyBoxesAreSeenInTheDark)
+{
+    const QString style = QApplication::style()->name();
+    const QPalette palette = QApplication::palette();
+    kcuiSetTheme(KcUiTheme::Dark);
+    const QImage row = list.viewport()->grab(list.visualItemRect(count)).toImage();
+    const QRgb ground = list.palette().color(QPalette::Base).rgb();
+    // Across the box, before the text.
+    double edge = 0;
+    for (int x = 0; x < QApplication::style()->pixelMetric(QStyle::PM_IndicatorWidth); ++x)
+        edge = std::max(edge, contrast(row.pixel(x, row.height() / 2), ground));
+    EXPECT_GE(edge, 3);
+    QApplication::setStyle(style);
+    QApplication::setPalette(palette);
 }
 
 TEST_F(TreeList, ScreenReadersFindNamesValuesAndTicks)

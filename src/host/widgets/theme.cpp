@@ -34,7 +34,7 @@ QPalette paletteOf(bool dark)
     set(QPalette::Link, 0xff2a6f34, 0xff8fce84);
     set(QPalette::Light, 0xffffffff, 0xff505458);
     set(QPalette::Midlight, 0xfff8f8f6, 0xff44484b);
-    set(QPalette::Mid, 0xffb8b8b4, 0xff64696e);
+    set(QPalette::Mid, 0xffb8b8b4, 0xff6a6f74);
     set(QPalette::Dark, 0xff909090, 0xff17191a);
     set(QPalette::Shadow, 0xff606060, 0xff000000);
     for (const QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
