@@ -7,6 +7,7 @@
 #include "core/drawing_config.h"
 #include "frame/module.h"
 #include "platform/message_box.h"
+#include "statistics/commands.h"
 #include "statistics/header_settings.h"
 #include "statistics/table_builder.h"
 #include "statistics/table_layout.h"
@@ -50,12 +51,15 @@ protected:
     QStringList headersOfTable(const QString& name) const
     {
         TableSettings settings = readTableSettings();
+        return createTable(settings, name) ? texts(*settings.table) : QStringList{ "no table" };
+    }
+    // All texts from left to right, row by row.
+    static QStringList texts(const KcDbTable& table)
+    {
         QStringList texts;
-        if (!createTable(settings, name))
-            return { QStringLiteral("no table") };
-        for (int row = 0; row < settings.table->numRows(); ++row)
-            for (int column = 0; column < settings.table->numColumns(); ++column)
-                if (const QString text = settings.table->plainText(row, column); !text.isEmpty())
+        for (int row = 0; row < table.numRows(); ++row)
+            for (int column = 0; column < table.numColumns(); ++column)
+                if (const QString text = table.plainText(row, column); !text.isEmpty())
                     texts += text;
         return texts;
     }
@@ -174,6 +178,42 @@ TEST_F(HeaderSettings, LoseNothing)
     EXPECT_EQ(desc(shown(kTrees), "树龄"), gone);
     EXPECT_FALSE(desc(shown(kTrees), "备注").visible);
     EXPECT_TRUE(headersOfTable(kTrees).contains(strange.text)) << headersOfTable(kTrees).join(' ');
+}
+
+// From the dialog to a table in a file that is opened again and counted anew: a column that is left out takes
+// nothing with it, and the program knows the others by their names, whatever stands over them.
+TEST_F(HeaderSettings, CountIntoWhatIsShown)
+{
+    KcDbObjectId last;
+    const auto plant = [&](const QString& name, int count) {
+        const KcDbObjectId block = session.addBlock(name);
+        while (count-- > 0)
+            last = session.add(std::make_unique<KcDbBlockReference>(KcGePoint3d{ 0, 0, 0 }, block));
+    };
+    plant("桂花", 1);
+    plant("香樟", 3);
+    QStringList lines{ "!cell 0 列表名称 苗木表", "!cell 3 列表名称 树种", "!cell 9 列表名称 株数" };
+    for (const char* name : { "图例", "拉丁名", "规格", "备注" })
+        lines += QStringLiteral("!tree %1 off").arg(QString::fromUtf8(name));
+    ASSERT_EQ(play(kTrees, lines + QStringList{ "!ok" }), 0) << session.errors;
+    ASSERT_EQ(session.run([] { countPlantsIntoTable(); }, { "ALL", "", "0,0" }), 0) << session.errors;
+
+    std::string bytes;
+    ASSERT_TRUE(dxf::saveDrawing(session.database, bytes).ok);
+    auto reopened = std::make_unique<KcDbDatabase>(KcDbDatabase::Content::kEmpty);
+    ASSERT_TRUE(dxf::readDrawing(bytes, *reopened).ok);
+    KcApDocument& document = kcDocManagerPtr()->open(std::move(reopened));
+    KcDbObjectId table;
+    for (const KcDbObjectId id : *KcDbRead<KcDbBlockTableRecord>(document.database().modelSpace()))
+        if (KcDbRead<KcDbTable>(id))
+            table = id;
+    EXPECT_EQ(
+        texts(*KcDbRead<KcDbTable>(table)).join(' '), "苗木表 序号 树种 株数 单位 1 桂花 1 株 2 香樟 3 株");
+    ASSERT_EQ(session.run([] { updatePlantTables(); }, { "ALL", "R " + session.handle(last), "", "" }), 0)
+        << session.errors;
+    EXPECT_EQ(
+        texts(*KcDbRead<KcDbTable>(table)).join(' '), "苗木表 序号 树种 株数 单位 1 桂花 1 株 2 香樟 2 株");
+    kcDocManagerPtr()->close(document);
 }
 
 // OK takes what is being typed; so does any way out of the editor but Escape.
