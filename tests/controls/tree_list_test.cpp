@@ -259,11 +259,13 @@ TEST_F(TreeList, EmptyBoxesAreSeenInTheDark)
     const QString style = QApplication::style()->name();
     const QPalette palette = QApplication::palette();
     kcuiSetTheme(KcUiTheme::Dark);
-    const QImage row = list.viewport()->grab(list.visualItemRect(count)).toImage();
-    const QRgb ground = list.palette().color(QPalette::Base).rgb();
-    // Across the box, before the text.
+    CTreeListCtrl dark;
+    const SelTreeItem* const item = dark.AddItem({}, nullptr, CSelTreeCtrl::kUnchecked);
+    const QImage row = dark.viewport()->grab(dark.visualItemRect(item)).toImage();
+    const QRgb ground = dark.palette().color(QPalette::Base).rgb();
+    ASSERT_LT(luminance(ground), 0.1);
     double edge = 0;
-    for (int x = 0; x < QApplication::style()->pixelMetric(QStyle::PM_IndicatorWidth); ++x)
+    for (int x = 0; x < row.width(); ++x)
         edge = std::max(edge, contrast(row.pixel(x, row.height() / 2), ground));
     EXPECT_GE(edge, 3);
     QApplication::setStyle(style);
