@@ -94,13 +94,47 @@ TEST_F(Plot, LayoutsShowTheModelThroughTheirViewports)
     const QString png = folder.filePath("p.png");
     ASSERT_EQ(plot({ viewports, png, "--layout", "Layout1", "--size", "1200x900" }), 0) << qPrintable(said);
     const QImage sheet(png);
-    // The largest viewport lies on the left; inside it the frame of a picture.
+    // The largest viewport lies on the left of the upper half; inside it the frame of a picture.
     int lines = 0;
     bool wasDark = false;
-    for (int x = 20; x < 360; ++x) {
-        const bool isDark = qGray(sheet.pixel(x, 380)) < 128;
+    for (int x = 20; x < 278; ++x) {
+        const bool isDark = qGray(sheet.pixel(x, 220)) < 128;
         lines += isDark && !wasDark;
         wasDark = isDark;
     }
     EXPECT_EQ(lines, 4);
+}
+
+// A layout comes on its own paper, true to scale: the garden's boundary lies where the viewport puts it.
+TEST_F(Plot, LayoutsLieOnTheirPaper)
+{
+    const QString png = folder.filePath("p.png"), pdf = folder.filePath("p.pdf");
+    ASSERT_EQ(plot({ plan, png, "--layout", "LS-01" }), 0) << qPrintable(said);
+    const QImage sheet(png);
+    EXPECT_EQ(sheet.size(), QSize(1600, 904)); // 1051 × 594 mm
+    std::vector<int> columns; // that are red nearly all the way
+    for (int x = 0; x < sheet.width(); ++x) {
+        int red = 0;
+        for (int y = 0; y < sheet.height(); ++y) {
+            const QRgb pixel = sheet.pixel(x, y);
+            red += qRed(pixel) > qGreen(pixel) + 60 && qRed(pixel) > qBlue(pixel) + 60;
+        }
+        if (red > 450)
+            columns.push_back(x);
+    }
+    ASSERT_FALSE(columns.empty());
+    // 109 m of the site at 1:150, 6.7 m behind the viewport's edge at 25.5 mm.
+    const double pixelsPerMillimetre = 1600 / 1051.0;
+    EXPECT_NEAR(columns.front(), (25.5 + 6.7e3 / 150) * pixelsPerMillimetre, 2);
+    EXPECT_NEAR(columns.back() - columns.front(), 109e3 / 150 * pixelsPerMillimetre, 3);
+
+    // Of another shape than the paper: the whole sheet, in the middle.
+    ASSERT_EQ(plot({ plan, png, "--layout", "LS-01", "--size", "800x800" }), 0) << qPrintable(said);
+    const QImage square(png);
+    EXPECT_EQ(square.size(), QSize(800, 800));
+    EXPECT_EQ(qGray(square.pixel(400, 100)), 255);
+
+    // On a paper that is asked for it is fitted.
+    ASSERT_EQ(plot({ plan, png, "--layout", "LS-01", "--paper", "A3" }), 0) << qPrintable(said);
+    EXPECT_EQ(QImage(png).size(), QSize(1588, 1123));
 }

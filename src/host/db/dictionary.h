@@ -105,6 +105,17 @@ private:
 class KcDbLayout : public KcDbObject {
     KCRX_DECLARE(KcDbLayout)
 public:
+    /// The paper that the layout is laid out for, as the file has it; it is read only. Millimetres, upright as the
+    /// printer takes it.
+    struct Page {
+        double width = 0.0, height = 0.0; ///< 0: the file has none
+        double left = 0.0, bottom = 0.0, right = 0.0, top = 0.0; ///< margins that are not printed on
+        KcGePoint2d origin {0, 0}; ///< of the plot, from the corner of the margins
+        double paperUnits = 1.0, drawingUnits = 1.0; ///< the plot's scale
+        int unit = 1; ///< of the paper: 0 inches, 1 millimetres, 2 pixels
+        int rotation = 0; ///< quarter turns counter-clockwise
+        int area = 0; ///< what is plotted; 5: the layout
+    };
     struct Data {
         QString name;
         int flags = 1;
@@ -112,6 +123,7 @@ public:
         KcDbObjectId block;
         KcGePoint2d limitsMin {0, 0}, limitsMax {420, 297};
         int plotFlags = 688;
+        Page page;
     };
     const Data& data() const { return m_data; }
     Data& data() { return m_data; }

@@ -169,9 +169,57 @@ void registerObjectCodecs()
                 if (state.subclass == "AcDbPlotSettings") {
                     if (group.code == 70)
                         layout.data().plotFlags = int(group.integer());
+                    else
+                        readPage(layout.data().page, group);
                     return group.code == 70;
                 }
                 return FieldCodec::read(object, group, state);
+            }
+            static void readPage(KcDbLayout::Page& page, const Group& group)
+            {
+                switch (group.code) {
+                case 40:
+                    page.left = group.real();
+                    break;
+                case 41:
+                    page.bottom = group.real();
+                    break;
+                case 42:
+                    page.right = group.real();
+                    break;
+                case 43:
+                    page.top = group.real();
+                    break;
+                case 44:
+                    page.width = group.real();
+                    break;
+                case 45:
+                    page.height = group.real();
+                    break;
+                case 46:
+                    page.origin.x = group.real();
+                    break;
+                case 47:
+                    page.origin.y = group.real();
+                    break;
+                case 142:
+                    page.paperUnits = group.real();
+                    break;
+                case 143:
+                    page.drawingUnits = group.real();
+                    break;
+                case 72:
+                    page.unit = int(group.integer());
+                    break;
+                case 73:
+                    page.rotation = int(group.integer());
+                    break;
+                case 74:
+                    page.area = int(group.integer());
+                    break;
+                default:
+                    break;
+                }
             }
             void write(const KcDbObject& object, GroupList& out) const override
             {

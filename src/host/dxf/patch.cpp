@@ -87,10 +87,12 @@ void matchSection(
     }
 }
 
-// Some programs close the mark AcDbEntity at once and say layer, colour and the like under the mark of the class.
+// Some programs close the mark AcDbEntity at once and say layer, colour and the like under the mark of the
+// class.
 void matchMisplacedCommon(
-    const std::vector<OutGroup>& before, const std::vector<Section>& beforeSections, const SourceGroups& source,
-    const std::vector<Section>& sourceSections, std::vector<size_t>& matchOfBefore, std::vector<bool>& taken)
+    const std::vector<OutGroup>& before, const std::vector<Section>& beforeSections,
+    const SourceGroups& source, const std::vector<Section>& sourceSections,
+    std::vector<size_t>& matchOfBefore, std::vector<bool>& taken)
 {
     for (size_t k = 0; k + 1 < sourceSections.size(); ++k) {
         const Section& common = sourceSections[k];

@@ -314,7 +314,8 @@ RecordHead readRecord(GroupCursor& cursor, ReadContext& context, const Codec* co
                 continue;
             }
         }
-        // Some programs close the mark AcDbEntity at once and say layer, colour and the like under the next one.
+        // Some programs close the mark AcDbEntity at once and say layer, colour and the like under the next
+        // one.
         const bool isMisplaced = entity && commonIsEmpty && state.subclassCount == 2;
         if (codec) {
             if (!codec->read(object, group, state) && isMisplaced)

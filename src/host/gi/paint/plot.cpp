@@ -65,6 +65,63 @@ Fit fit(const KcGiPlotRequest& request, const KcGeExtents2d& box)
     return result;
 }
 
+struct Sheet {
+    QSizeF paper; ///< millimetres, as the layout lies on it
+    KcGeExtents2d box; ///< of the paper, in units of the layout
+    double millimetresPerUnit = 1.0;
+};
+
+// The paper of a layout; nothing when the file names none, or plots something else than the layout on it.
+std::optional<Sheet> sheetOf(KcDbObjectId space)
+{
+    constexpr int kAreaLayout = 5, kInches = 0, kMillimetres = 1;
+    constexpr double kLargest = 20'000.0; // millimetres
+    const KcDbRead<KcDbBlockTableRecord> record(space);
+    const KcDbRead<KcDbLayout> layout(record ? record->data().layout : KcDbObjectId());
+    if (!layout)
+        return {};
+    const KcDbLayout::Page& page = layout->data().page;
+    double width = page.width, height = page.height, left = page.left, bottom = page.bottom;
+    if (page.rotation == 1 || page.rotation == 3)
+        std::swap(width, height);
+    // The margins turn with the layout.
+    if (page.rotation == 1)
+        left = page.bottom, bottom = page.right;
+    else if (page.rotation == 2)
+        left = page.right, bottom = page.top;
+    else if (page.rotation == 3)
+        left = page.top, bottom = page.left;
+    const double unit
+        = (page.unit == kInches ? kMillimetresPerInch : 1.0) * page.paperUnits / page.drawingUnits;
+    const bool isSound = page.area == kAreaLayout && (page.unit == kInches || page.unit == kMillimetres)
+        && width > 0.0 && width < kLargest && height > 0.0 && height < kLargest && unit > 0.0
+        && std::isfinite(unit);
+    if (!isSound)
+        return {};
+    const KcGePoint2d corner{ -(left + page.origin.x) / unit, -(bottom + page.origin.y) / unit };
+    if (!std::isfinite(corner.x) || !std::isfinite(corner.y))
+        return {};
+    return Sheet{ { width, height },
+                  { corner, { corner.x + width / unit, corner.y + height / unit } },
+                  unit };
+}
+
+bool holds(const KcGeExtents2d& box, const KcGeExtents2d& inner)
+{
+    const double slack
+        = 0.01 * std::max(box.max.x - box.min.x, box.max.y - box.min.y); // frames on the paper's edge
+    return inner.min.x >= box.min.x - slack && inner.min.y >= box.min.y - slack
+        && inner.max.x <= box.max.x + slack && inner.max.y <= box.max.y + slack;
+}
+
+// A picture of a sheet has the shape that is asked for; the paper grows until it has it too.
+QSizeF paperOfPicture(const QSizeF& sheet, const QSize& pixels)
+{
+    const double shape = double(pixels.width()) / pixels.height();
+    return shape > sheet.width() / sheet.height() ? QSizeF(sheet.height() * shape, sheet.height())
+                                                  : QSizeF(sheet.width(), sheet.width() / shape);
+}
+
 KcGeMatrix3d toDevice(const Fit& fit, double unitsPerMillimetre)
 {
     const double scale = fit.millimetresPerUnit * unitsPerMillimetre;
@@ -337,10 +394,25 @@ KcGiPlotResult kcgiPlot(KcDbDatabase& database, const KcGiPlotRequest& request)
     // Paper space is drawn in millimetres of paper.
     if (space != database.modelSpace() && !request.layout.isEmpty())
         own.drawingUnitsPerMillimetre = 1.0;
+    const QString suffix = QFileInfo(request.path).suffix().toLower();
+    if (space != database.modelSpace() && !request.window && !request.paper && !request.scale)
+        if (const auto sheet = sheetOf(space); sheet && holds(sheet->box, box)) {
+            box = sheet->box;
+            own.drawingUnitsPerMillimetre = 1.0;
+            own.scale = 1.0 / sheet->millimetresPerUnit;
+            own.paper = sheet->paper;
+            if (suffix == u"png") {
+                if (!own.pixels)
+                    own.pixels = (sheet->paper
+                                  * (kUsualPixels / std::max(sheet->paper.width(), sheet->paper.height())))
+                                     .toSize()
+                                     .expandedTo({ 1, 1 });
+                own.paper = paperOfPicture(sheet->paper, *own.pixels);
+            }
+        }
     const Job job{ database, own, space, fit(own, box), result };
     result.paper = job.fit.paper;
     result.scale = 1.0 / (job.fit.millimetresPerUnit * own.drawingUnitsPerMillimetre);
-    const QString suffix = QFileInfo(request.path).suffix().toLower();
     if (suffix == u"png")
         result.error = plotPicture(job);
     else if (suffix == u"pdf")
