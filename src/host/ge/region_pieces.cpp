@@ -201,19 +201,20 @@ double RegionPieces::length(const RegionPiece& piece, double from, double to) co
         return piece.start.distanceTo(piece.end) * std::abs(to - from);
     case Kind::Arc:
         return piece.radius * piece.sweep * std::abs(to - from);
-    case Kind::Cubic: {
-        // Only slivers ask: chords of eighths, with the ends' directions, are near enough.
-        const Cubic& cubic = m_cubics[piece.smooth];
-        constexpr int kParts = 8;
-        double length = 0.0;
-        for (int i = 0; i < kParts; ++i)
-            length += cubic.at(from + (to - from) * i / kParts).distanceTo(cubic.at(from + (to - from) * (i + 1) / kParts));
-        return length;
-    }
+    case Kind::Cubic:
     case Kind::Smooth:
         break;
     }
-    return std::abs(m_smooth[piece.smooth].lengthBetween(from, to));
+    // Only slivers ask: chords of eighths of a stretch that turns by less than a right angle are near enough.
+    constexpr int kParts = 8;
+    double length = 0.0;
+    KcGePoint2d before = at(piece, from);
+    for (int i = 1; i <= kParts; ++i) {
+        const KcGePoint2d next = at(piece, from + (to - from) * i / kParts);
+        length += before.distanceTo(next);
+        before = next;
+    }
+    return length;
 }
 
 double RegionPieces::areaAbout(const RegionPiece& piece, double from, double to, KcGePoint2d about) const

@@ -45,6 +45,7 @@ public:
     std::vector<KcGeSegment2d> outline(size_t region) const;
     /// What the outline holds, islands included; square drawing units.
     double area(size_t region) const;
+    /// Of the outline; ellipses and splines by chords, which is near enough to tell slivers.
     double length(size_t region) const;
     /// The region in which this one lies directly; `kNone` when there is none.
     uint32_t parent(size_t region) const;

@@ -252,13 +252,16 @@ KcGeVector2d KcGeSegment2d::directionAt(double t) const
     if (std::holds_alternative<Line>(m_shape) || std::holds_alternative<Arc>(m_shape))
         return first.normal();
     const double speed = first.length();
-    if (speed > kNoSpeed * length())
+    // Two chords tell the size well enough; the length itself would cost a hundred times as much.
+    const KcGePoint2d middle = pointAt(0.5);
+    const double size = startPoint().distanceTo(middle) + middle.distanceTo(endPoint());
+    if (speed > kNoSpeed * size)
         return first / speed;
     // Where the curve stands still for a moment: the direction to the nearest point that can be told apart.
     for (double step = 1e-6; step <= 1.0; step *= 10.0) {
         const KcGeVector2d way = t < 1.0 ? pointAt(std::min(1.0, t + step)) - pointAt(t)
                                          : pointAt(t) - pointAt(std::max(0.0, t - step));
-        if (way.length() > kNoSpeed * step * length())
+        if (way.length() > kNoSpeed * step * size)
             return way.normal();
     }
     return {};
