@@ -57,12 +57,21 @@ void KcGeCarrier3d::addLeaves(
     const double left = quadrature(low, middle), right = quadrature(middle, high);
     const double error = std::abs(left + right - length);
     if (!(error > kLeafAccuracy * (left + right) + accuracy) || depth >= kDeepest || !(low < middle)) {
-        const double start = table.leaves.empty() ? 0.0 : table.leaves.back().length;
-        if (table.leaves.empty())
-            table.leaves.push_back({ low, 0.0, 0.0, 0.0 });
-        table.leaves.back().startSpeed = firstAt(low).length();
-        table.leaves.back().endSpeed = firstAt(high).length();
-        table.leaves.push_back({ high, start + left + right, 0.0, 0.0 });
+        // The halves are known as well as the whole, and in them the first guess of an inverse is 16 times nearer.
+        const auto add = [&](double from, double to, double way) {
+            if (table.leaves.empty())
+                table.leaves.push_back({ from, 0.0, 0.0, 0.0 });
+            Leaf& leaf = table.leaves.back();
+            leaf.startSpeed = firstAt(from).length();
+            leaf.endSpeed = firstAt(to).length();
+            table.leaves.push_back({ to, leaf.length + way, 0.0, 0.0 });
+        };
+        if (low < middle && middle < high) {
+            add(low, middle, left);
+            add(middle, high, right);
+        } else {
+            add(low, high, left + right);
+        }
         return;
     }
     addLeaves(table, low, middle, left, accuracy, depth + 1);
