@@ -1,12 +1,12 @@
 // How texts are drawn: places of the ink, colours, lines, backgrounds; agreement with their measured boxes.
 
 #include "entities/recorder.h"
-
-#include "db/text.h"
+#include "entities/texts.h"
 
 #include <gtest/gtest.h>
 
 using entities_test::drawn;
+using entities_test::mtext;
 using entities_test::Recorder;
 
 namespace {
@@ -23,15 +23,6 @@ KcDbText line(const QString& contents, int horizontal, int vertical)
     d.vertical = vertical;
     d.alignment = { 100, 50, 0 };
     d.position = d.alignment; // as programs write that leave the computing to the reader
-    return text;
-}
-
-KcDbMText paragraph(const QString& contents, double width = 0.0)
-{
-    KcDbMText text;
-    text.data().height = 10.0;
-    text.data().width = width;
-    text.setContents(contents);
     return text;
 }
 
@@ -119,7 +110,7 @@ TEST(DrawnText, BoxesAgreeWithTheInk)
     const QString coded
         = QStringLiteral("{\\fSimSun|b1;\\H2x;大}a\\P\\Q15;slanted \\S1/2; \\Tx;\\W0.5;narrow");
     for (int attachment = 1; attachment <= 9; ++attachment) {
-        KcDbMText text = paragraph(coded, 80.0);
+        KcDbMText text = mtext(coded, 80.0);
         text.data().attachment = attachment;
         text.data().rotation = 0.3;
         expectSameBox(drawn(text).box, text.geomExtents(), "attachment " + std::to_string(attachment));
@@ -128,8 +119,7 @@ TEST(DrawnText, BoxesAgreeWithTheInk)
 
 TEST(DrawnMText, ColoursRulesAndTracking)
 {
-    const Recorder seen
-        = drawn(paragraph(QStringLiteral("own\\C1;red\\c16711680;blue\\C3;{\\Lunder}{\\T2;AB}")));
+    const Recorder seen = drawn(mtext(QStringLiteral("own\\C1;red\\c16711680;blue\\C3;{\\Lunder}{\\T2;AB}")));
     ASSERT_EQ(seen.texts.size(), 6u); // tracked letters are drawn one by one
     EXPECT_EQ(seen.textColors[0], seen.entityColor());
     EXPECT_EQ(seen.textColors[1], (KcGiColor{ 1, -1 }));
@@ -142,7 +132,7 @@ TEST(DrawnMText, ColoursRulesAndTracking)
 
 TEST(DrawnMText, FractionsTabsAndLinesThrough)
 {
-    const Recorder seen = drawn(paragraph(QStringLiteral("\\pt3,12;\\S1/23;\t{\\Oover}\t{\\Kstruck}")));
+    const Recorder seen = drawn(mtext(QStringLiteral("\\pt3,12;\\S1/23;\t{\\Oover}\t{\\Kstruck}")));
     ASSERT_EQ(seen.texts.size(), 4u);
     const KcGiTextRun &over = seen.texts[0], &under = seen.texts[1];
     EXPECT_GT(over.origin.y, under.origin.y + under.height) << "the numerator stands above the denominator";
@@ -162,7 +152,7 @@ TEST(DrawnMText, FractionsTabsAndLinesThrough)
 TEST(DrawnMText, ShapeFontsHaveChineseCharacters)
 {
     for (const char* code : { "\\Ftxt.shx,gbcbig.shx;", "\\fno such font|b0;", "\\Fno-such.ttf;" }) {
-        const Recorder seen = drawn(paragraph(QLatin1String(code) + QStringLiteral("树 A")));
+        const Recorder seen = drawn(mtext(QLatin1String(code) + QStringLiteral("树 A")));
         ASSERT_EQ(seen.texts.size(), 1u) << code;
         const KcGi::TextStyle& style = seen.texts[0].style;
         const QString family = KcGi::fontForStyle(style.font, style.bigFont, style.typeface);
@@ -173,7 +163,7 @@ TEST(DrawnMText, ShapeFontsHaveChineseCharacters)
 
 TEST(DrawnMText, BackgroundIsDrawnFirstAndCoversTheText)
 {
-    KcDbMText text = paragraph(QStringLiteral("label"));
+    KcDbMText text = mtext(QStringLiteral("label"));
     text.data().fillMode = 1;
     text.data().fillColor = 5;
     text.data().fillFactor = 1.5;
@@ -190,7 +180,7 @@ TEST(DrawnMText, BackgroundIsDrawnFirstAndCoversTheText)
 // The pieces of justified lines must reach both edges; the last line of a paragraph keeps its blanks.
 TEST(DrawnMText, JustifiedLinesReachBothEdges)
 {
-    const KcDbMText text = paragraph(QStringLiteral("\\pqj;aa bb cc dd ee ff gg hh ii jj"), 75.0);
+    const KcDbMText text = mtext(QStringLiteral("\\pqj;aa bb cc dd ee ff gg hh ii jj"), 75.0);
     const KcDbMTextLayout set = text.layout();
     ASSERT_GE(set.lines.size(), 2u);
     double right = 0.0, last = 0.0;
@@ -206,16 +196,16 @@ TEST(DrawnMText, JustifiedLinesReachBothEdges)
 TEST(DrawnMText, HostileContents)
 {
     const QString deep = QString(100'000, u'{') + QStringLiteral("x") + QString(100'000, u'}');
-    EXPECT_EQ(drawn(paragraph(deep)).texts.size(), 1u);
+    EXPECT_EQ(drawn(mtext(deep)).texts.size(), 1u);
     const Recorder codes
-        = drawn(paragraph(QString(QStringLiteral("\\H1.1x;{\\C1;a\\S")).repeated(70'000), 100.0));
+        = drawn(mtext(QString(QStringLiteral("\\H1.1x;{\\C1;a\\S")).repeated(70'000), 100.0));
     EXPECT_FALSE(codes.texts.empty());
     for (const char* endless : { "\\S", "\\f", "\\p", "\\H" })
-        EXPECT_FALSE(drawn(paragraph(QString::fromLatin1(endless).repeated(500'000), 100.0)).texts.empty());
+        EXPECT_FALSE(drawn(mtext(QString::fromLatin1(endless).repeated(500'000), 100.0)).texts.empty());
     const QString words = QStringLiteral("word 树木 ").repeated(110'000);
-    const Recorder many = drawn(paragraph(words, 400.0));
+    const Recorder many = drawn(mtext(words, 400.0));
     EXPECT_GT(many.texts.size(), 1'000u);
-    KcDbMText flat = paragraph(QStringLiteral("x"));
+    KcDbMText flat = mtext(QStringLiteral("x"));
     for (const double height : { 0.0, -1.0, std::numeric_limits<double>::quiet_NaN() }) {
         flat.data().height = height;
         EXPECT_EQ(drawn(flat).missing.size(), 1);
@@ -226,7 +216,7 @@ namespace {
 
 KcDbMText inColumns(const QString& contents, KcDbMTextColumns columns, double definedHeight = 0.0)
 {
-    KcDbMText text = paragraph(contents, 500.0);
+    KcDbMText text = mtext(contents, 500.0);
     text.data().definedHeight = definedHeight;
     columns.width = 100.0;
     columns.gutter = 20.0;

@@ -2,20 +2,13 @@
 
 #include "db/database.h"
 #include "db/tables.h"
-#include "db/text.h"
+#include "entities/texts.h"
 
 #include <gtest/gtest.h>
 
-namespace {
+using entities_test::mtext;
 
-KcDbMText mtext(const QString& contents, double width = 0.0)
-{
-    KcDbMText text;
-    text.data().height = 10;
-    text.data().width = width;
-    text.setContents(contents);
-    return text;
-}
+namespace {
 
 KcDbText sample(int horizontal, int vertical)
 {
