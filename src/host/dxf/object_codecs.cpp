@@ -177,49 +177,23 @@ void registerObjectCodecs()
             }
             static void readPage(KcDbLayout::Page& page, const Group& group)
             {
-                switch (group.code) {
-                case 40:
-                    page.left = group.real();
-                    break;
-                case 41:
-                    page.bottom = group.real();
-                    break;
-                case 42:
-                    page.right = group.real();
-                    break;
-                case 43:
-                    page.top = group.real();
-                    break;
-                case 44:
-                    page.width = group.real();
-                    break;
-                case 45:
-                    page.height = group.real();
-                    break;
-                case 46:
+                using Page = KcDbLayout::Page;
+                static constexpr std::pair<int, double Page::*> kReals[]
+                    = { { 40, &Page::left },        { 41, &Page::bottom },       { 42, &Page::right },
+                        { 43, &Page::top },         { 44, &Page::width },        { 45, &Page::height },
+                        { 142, &Page::paperUnits }, { 143, &Page::drawingUnits } };
+                static constexpr std::pair<int, int Page::*> kIntegers[]
+                    = { { 72, &Page::unit }, { 73, &Page::rotation }, { 74, &Page::area } };
+                for (const auto& [code, member] : kReals)
+                    if (code == group.code)
+                        page.*member = group.real();
+                for (const auto& [code, member] : kIntegers)
+                    if (code == group.code)
+                        page.*member = int(group.integer());
+                if (group.code == 46)
                     page.origin.x = group.real();
-                    break;
-                case 47:
+                else if (group.code == 47)
                     page.origin.y = group.real();
-                    break;
-                case 142:
-                    page.paperUnits = group.real();
-                    break;
-                case 143:
-                    page.drawingUnits = group.real();
-                    break;
-                case 72:
-                    page.unit = int(group.integer());
-                    break;
-                case 73:
-                    page.rotation = int(group.integer());
-                    break;
-                case 74:
-                    page.area = int(group.integer());
-                    break;
-                default:
-                    break;
-                }
             }
             void write(const KcDbObject& object, GroupList& out) const override
             {
