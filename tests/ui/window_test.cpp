@@ -7,6 +7,7 @@
 
 #include <QComboBox>
 #include <QTemporaryDir>
+#include <QTreeWidget>
 
 using ui_test::Hand;
 
@@ -101,6 +102,34 @@ TEST_F(Hand, TypedAnswers)
         [&] {
             EXPECT_EQ(window.source().waiting()->kind, KcEdPrompt::Kind::Point);
             press(Qt::Key_Escape);
+        },
+    });
+}
+
+// Faults: a layer list that swallows the next command, a list of names that takes the blank after one as a
+// letter or keeps half a name after Escape.
+TEST_F(Hand, TypingReachesTheCommandLineFromEverywhere)
+{
+    auto* layers = window.findChild<QTreeWidget*>("layers");
+    run({
+        [&] { QTest::keyClicks(layers, "pl"); },
+        [&] {
+            EXPECT_EQ(field().text(), "pl");
+            QWidget* names = QApplication::activePopupWidget();
+            ASSERT_TRUE(names);
+            QTest::keyClick(names, Qt::Key_Space);
+        },
+        [&] {
+            EXPECT_EQ(window.source().waiting()->kind, KcEdPrompt::Kind::Point) << history();
+            EXPECT_EQ(field().text(), "");
+            QTest::keyClick(layers, Qt::Key_Escape);
+        },
+        [&] { type("li"); },
+        [&] {
+            QWidget* names = QApplication::activePopupWidget();
+            ASSERT_TRUE(names);
+            QTest::keyClick(names, Qt::Key_Escape);
+            EXPECT_EQ(field().text(), "");
         },
     });
 }

@@ -20,6 +20,7 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
 #include <QMimeData>
@@ -28,6 +29,7 @@
 #include <QStatusBar>
 #include <QTabBar>
 #include <QToolButton>
+#include <QTreeWidget>
 #include <QVBoxLayout>
 
 namespace {
@@ -232,6 +234,21 @@ void KcUiMainWindow::closeEvent(QCloseEvent* event)
     });
 }
 
+// What is typed over the lists of the panels goes to the command line, as it does over the drawing: a blank
+// ticks there, and letters find nothing that the panels' own fields do not find better.
+bool KcUiMainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return QMainWindow::eventFilter(watched, event);
+    auto* key = static_cast<QKeyEvent*>(event);
+    const bool types = !key->text().isEmpty() && key->text().front().isPrint() && key->key() != Qt::Key_Space
+        && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+    if (!types && key->key() != Qt::Key_Escape)
+        return QMainWindow::eventFilter(watched, event);
+    m_commandLine->type(key);
+    return true;
+}
+
 void KcUiMainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     if (event->mimeData()->hasUrls())
@@ -322,6 +339,8 @@ void KcUiMainWindow::makePanels()
     QDockWidget* layers = addPanel(QStringLiteral("Layers"), m_layers);
     QDockWidget* properties = addPanel(QStringLiteral("Properties"), m_properties);
     QObject::connect(properties, &QDockWidget::visibilityChanged, this, [this] { m_properties->refresh(); });
+    for (const char* list : { "layers", "properties" })
+        findChild<QTreeWidget*>(QLatin1String(list))->installEventFilter(this);
     tabifyDockWidget(layers, properties);
     layers->raise();
 }

@@ -233,7 +233,8 @@ void KcUiPropertyPanel::fill()
     m_shownAt = change;
     m_tree->clear();
     if (ids.empty()) {
-        new QTreeWidgetItem(m_tree, { QStringLiteral("Nothing is selected"), QString() });
+        auto* nothing = new QTreeWidgetItem(m_tree, { QStringLiteral("Nothing is selected"), QString() });
+        nothing->setFirstColumnSpanned(true);
         return;
     }
     showCommon(ids);
