@@ -12,6 +12,12 @@ class CSelTreeCtrl;
 class SelTreeItem : public QTreeWidgetItem {
 public:
     using QTreeWidgetItem::QTreeWidgetItem;
+    /// Leaves the item above while its own state can still be read.
+    ~SelTreeItem() override
+    {
+        if (QTreeWidgetItem* const above = parent())
+            above->removeChild(this);
+    }
     SelTreeItem* Parent() const { return static_cast<SelTreeItem*>(parent()); }
     SelTreeItem* Child(int index) const { return static_cast<SelTreeItem*>(child(index)); }
     /// A check state that a screen reader or a script sets ticks as a click does.
