@@ -19,8 +19,9 @@ constexpr double kLeafAccuracy = 1e-12;
 /// … or of the length of everything between two breaks, which ends the search at cusps.
 constexpr double kStretchAccuracy = 1e-14;
 constexpr int kDeepest = 40;
-/// Samples in which the nearest point is looked for in a stretch; a stretch turns by a fraction of a circle.
-constexpr int kSamples = 4;
+/// Samples in which the nearest point is looked for in a stretch, which is half of one that turns by a fraction of
+/// a circle.
+constexpr int kSamples = 2;
 
 bool isFinite(KcGeVector3d v)
 {
@@ -419,21 +420,27 @@ public:
         Weighted d[kMost];
         double t, width;
         const double g = reduce(u, d, 1, t, width) / width;
-        const KcGeVector3d first{ (d[1].x - d[0].x) * g, (d[1].y - d[0].y) * g, (d[1].z - d[0].z) * g };
-        if (!m_rational)
-            return first;
-        const Weighted at = between(d[0], d[1], t);
-        return (first - at.point().asVector() * ((d[1].w - d[0].w) * g)) / at.w;
+        return slope(d, t, g);
     }
     /// All in one span, which is looked up once.
     void speedsAt(const double (&params)[kRulePoints], double (&speeds)[kRulePoints]) const override
     {
-        if (m_rational)
-            return KcGeCarrier3d::speedsAt(params, speeds);
         const int p = m_curve.degree;
         const size_t span = spanOf(params[0]);
         const double low = m_breaks[span], width = m_breaks[span + 1] - low, factor = p / width;
         const Weighted* points = m_points.data() + span * size_t(p + 1);
+        if (m_rational) {
+            for (int k = 0; k < kRulePoints; ++k) {
+                Weighted d[kMost];
+                std::copy_n(points, p + 1, d);
+                const double t = (params[k] - low) / width;
+                for (int r = p; r > 1; --r)
+                    for (int i = 0; i < r; ++i)
+                        d[i] = between(d[i], d[i + 1], t);
+                speeds[k] = slope(d, t, factor).length();
+            }
+            return;
+        }
         KcGeVector3d slopes[kMost];
         for (int i = 0; i < p; ++i)
             slopes[i] = { points[i + 1].x - points[i].x, points[i + 1].y - points[i].y,
@@ -479,6 +486,16 @@ private:
     static Weighted between(const Weighted& a, const Weighted& b, double t)
     {
         return { a.x + t * (b.x - a.x), a.y + t * (b.y - a.y), a.z + t * (b.z - a.z), a.w + t * (b.w - a.w) };
+    }
+    /// The derivative, from the line that de Casteljau's algorithm leaves and that it follows `factor` times as fast.
+    KcGeVector3d slope(const Weighted* d, double t, double factor) const
+    {
+        const KcGeVector3d first{ (d[1].x - d[0].x) * factor, (d[1].y - d[0].y) * factor,
+                                  (d[1].z - d[0].z) * factor };
+        if (!m_rational)
+            return first;
+        const Weighted at = between(d[0], d[1], t);
+        return (first - at.point().asVector() * ((d[1].w - d[0].w) * factor)) / at.w;
     }
     size_t spanOf(double u) const
     {
