@@ -3,10 +3,12 @@
 #   bench/run.sh [--quick] [--peers]
 #   bench/run.sh --regions
 #   bench/run.sh --window [--quick]
+#   bench/run.sh --curves [--quick]
 #   --quick: a tenth of the drawing and one round; the aims are meant for the whole one
 #   --peers: also times ezdxf on the same drawing (minutes)
 #   --window: start, opening, panning and the crosshair in the window instead
 #   --regions: closed regions among 1,000 to 1,000,000 segments instead, GEOS beside it up to 100,000 (minutes)
+#   --curves: points along curves, intersections, parallels and the index of boxes instead
 set -u
 cd "$(dirname "$0")/.." || exit 1
 . cmake/prepare.sh
@@ -16,12 +18,15 @@ symbols=200000
 peers=no
 regions=no
 window=no
+curves=no
+quick=""
 drawing=build/bench/big.dxf
 size=""
 for argument in "$@"; do
     case "$argument" in
     --quick)
         rounds=1
+        quick=--quick
         symbols=20000
         drawing=build/bench/quick.dxf
         size="--inserts 100000 --polylines 10000 --texts 2000"
@@ -29,14 +34,22 @@ for argument in "$@"; do
     --peers) peers=yes ;;
     --regions) regions=yes ;;
     --window) window=yes ;;
+    --curves) curves=yes ;;
     *)
-        echo "bench/run.sh takes --quick, --peers, --regions and --window" >&2
+        echo "bench/run.sh takes --quick, --peers, --regions, --window and --curves" >&2
         exit 2
         ;;
     esac
 done
 
 mkdir -p build/bench
+if [ $curves = yes ]; then
+    build release build "curves_bench geometry_bench index_bench"
+    for measured in curves_bench geometry_bench index_bench; do
+        build/bin/$measured $quick || exit 1
+    done
+    exit 0
+fi
 if [ $regions = yes ]; then
     build release build regions_bench
     for beds in 420 4200 42000 420000; do
