@@ -4,6 +4,7 @@
 #include "db/hatch.h"
 #include "db/polyline.h"
 #include "ed/system_variables.h"
+#include "ed/view.h"
 
 #include <gtest/gtest.h>
 
@@ -93,6 +94,87 @@ TEST(Selection, BlockReferencesByWhatTheyDraw)
     EXPECT_EQ(selected(s, "C 89,109 91,111"), 1u);
     EXPECT_EQ(selected(s, "C 81,101 84,104"), 0u) << "inside the box, beside the line";
     EXPECT_EQ(selected(s, "W 79,99 101,121"), 1u);
+}
+
+// Picked closely, a large curve must not be missed for the chords that once stood for it: a thousand of them leave
+// a circle of 1,000,000 by 5 units. Survey coordinates take nothing away.
+TEST(Selection, LargeCurvesArePickedWhereTheyAre)
+{
+    for (const double far : { 0.0, 5e8 }) {
+        SCOPED_TRACE(far);
+        const KcGePoint3d center{ far, -far, 0 };
+        const double radius = 1e6, angle = 1.2345678; // no multiple of a chord's
+        const KcGeVector3d direction{ std::cos(angle), std::sin(angle), 0 };
+
+        auto ellipse = std::make_unique<KcDbEllipse>();
+        ellipse->data().center = center;
+        ellipse->data().majorAxis = { radius, 0, 0 };
+        ellipse->data().radiusRatio = 0.5;
+        ellipse->data().endParam = kTwoPi;
+        auto arc = std::make_unique<KcDbPolyline>();
+        arc->addVertex({ center.x + radius, center.y }, 1.0);
+        arc->addVertex({ center.x - radius, center.y });
+        auto spline = std::make_unique<KcDbSpline>();
+        spline->data().degree = 2;
+        spline->data().knots = { 0, 0, 0, 1, 1, 1 };
+        for (const KcGeVector3d p : { KcGeVector3d{ 0, 0, 0 }, { radius, 2 * radius, 0 }, { 2 * radius, 0, 0 } })
+            spline->data().controlPoints.push_back(center + p);
+
+        struct {
+            const char* name;
+            std::unique_ptr<KcDbEntity> entity;
+            KcGePoint3d on;
+            KcGeVector3d outwards;
+        } rows[] = {
+            { "circle", std::make_unique<KcDbCircle>(center, radius), center + direction * radius, direction },
+            { "arc of a polyline", std::move(arc), center + direction * radius, direction },
+            { "ellipse", std::move(ellipse), center + KcGeVector3d{ direction.x, 0.5 * direction.y, 0 } * radius,
+              KcGeVector3d{ direction.x, 2 * direction.y, 0 }.normal() },
+            // At t: (2t, 4t(1 - t)) times the size; its slope at 0.3 is 0.8.
+            { "spline", std::move(spline), center + KcGeVector3d{ 0.6, 0.84, 0 } * radius,
+              KcGeVector3d{ -0.8, 1, 0 }.normal() },
+        };
+        for (auto& row : rows) {
+            SCOPED_TRACE(row.name);
+            Session s;
+            const KcDbObjectId id = s.add(std::move(row.entity));
+            ASSERT_TRUE(kcedSetView(s.document, { row.on.plan(), 10.0 }));
+            const double box = kcedPickBoxSize();
+            ASSERT_LT(box, 1.0);
+            EXPECT_EQ(kcedEntityAt(row.on), id);
+            EXPECT_TRUE(kcedEntityAt(row.on + row.outwards * 2.0 * box).isNull());
+            EXPECT_TRUE(kcedEntityAt(row.on - row.outwards * 2.0 * box).isNull());
+            const auto window = [&](const char* mode, KcGePoint3d low, KcGePoint3d high) {
+                const auto text = [](KcGePoint3d p) {
+                    return QString::number(p.x, 'f', 6) + ',' + QString::number(p.y, 'f', 6);
+                };
+                return selected(s, QString(mode) + ' ' + text(low) + ' ' + text(high));
+            };
+            const KcGeVector3d nearby{ 0.1, 0.1, 0 };
+            const KcGeVector3d corner{ 3 * radius, 3 * radius, 0 };
+            EXPECT_EQ(window("W", center - corner, center + corner), 1u);
+            EXPECT_EQ(window("C", row.on - nearby, row.on + nearby), 1u);
+            EXPECT_EQ(window("W", row.on, row.on + corner), 0u);
+        }
+    }
+}
+
+// Arcs are ellipses where a block is scaled unevenly.
+TEST(Selection, CurvesInBlocksAreStretchedWithThem)
+{
+    Session s;
+    const KcDbObjectId block = s.addBlock("bed");
+    auto ring = std::make_unique<KcDbPolyline>();
+    ring->addVertex({ -10, 0 }, 1.0);
+    ring->addVertex({ 10, 0 }, 1.0);
+    ring->setClosed(true);
+    KcDbRead<KcDbBlockTableRecord>(block)->appendEntity(std::move(ring));
+    auto reference = std::make_unique<KcDbBlockReference>(KcGePoint3d{ 100, 100, 0 }, block);
+    reference->setScaleFactors({ 2, 1, 1 });
+    s.add(std::move(reference)); // an ellipse of 20 by 10
+    EXPECT_EQ(selected(s, "C 119.9,99 120.1,101"), 1u);
+    EXPECT_EQ(selected(s, "C 114.1,106.9 114.2,107.2"), 1u) << "at 45 degrees";
+    EXPECT_EQ(selected(s, "C 115,108 119,109"), 0u) << "in the box, off the curve";
 }
 
 // A block that contains itself must not send the program round for ever.

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "db/entity.h"
+#include "ge/segment.h"
 
-/// One run of lines. A filled piece is closed, and what lies inside it belongs to it.
+/// One run of lines, or one curve that is not straight. A filled piece is a closed run, and what lies inside it belongs
+/// to it.
 struct KcEdPickPiece {
-    std::vector<KcGePoint2d> points;
+    std::vector<KcGePoint2d> points; ///< none of a curve
     bool filled = false;
+    std::optional<KcGeSegment2d> curve = std::nullopt;
 };
 /// Filled pieces of one entity fill by the even-odd rule together.
 using KcEdPickPieces = std::vector<KcEdPickPiece>;
@@ -15,8 +18,8 @@ using KcEdPickPieces = std::vector<KcEdPickPiece>;
 /// use one for one selection and drop it when the drawing changes.
 class KcEdPickGeometry {
 public:
-    /// Curves are replaced by chords that leave them by no more than `tolerance`, in drawing units, as far as
-    /// a thousand chords reach.
+    /// Curves stay what they are, but for those around filled areas: chords replace them that leave them by no more than
+    /// `tolerance`, in drawing units, or a millionth of their size.
     explicit KcEdPickGeometry(double tolerance)
         : m_tolerance(tolerance)
     {

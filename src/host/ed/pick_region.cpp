@@ -2,6 +2,8 @@
 
 #include "ed/pick_region.h"
 
+#include "ge/intersect.h"
+
 namespace {
 
 double side(KcGePoint2d a, KcGePoint2d b, KcGePoint2d p)
@@ -74,10 +76,37 @@ bool KcEdPickRegion::crosses(KcGePoint2d a, KcGePoint2d b) const
         && segmentsMeet(a, b, m_points.back(), m_points.front());
 }
 
+bool KcEdPickRegion::crosses(const KcGeSegment2d& curve) const
+{
+    const KcGeExtents2d box = curve.extents();
+    KcGeExtents3d around;
+    around.addPoint({ box.min.x, box.min.y, 0.0 });
+    around.addPoint({ box.max.x, box.max.y, 0.0 });
+    if (!around.overlapsInPlan(m_box))
+        return false;
+    const auto meets = [&](KcGePoint2d a, KcGePoint2d b) {
+        return !intersect(curve, KcGeSegment2d::line(a, b)).isEmpty();
+    };
+    for (size_t i = 0; i + 1 < m_points.size(); ++i)
+        if (meets(m_points[i], m_points[i + 1]))
+            return true;
+    return m_kind != Kind::Fence && m_points.size() > 2 && meets(m_points.back(), m_points.front());
+}
+
+bool KcEdPickRegion::holds(const KcGeSegment2d& curve) const
+{
+    if (!m_isRectangle)
+        return contains(curve.startPoint()) && !crosses(curve);
+    const KcGeExtents2d box = curve.extents();
+    return contains(box.min) && contains(box.max);
+}
+
 KcEdPickRegion::Touch KcEdPickRegion::touches(const KcEdPickPieces& pieces) const
 {
     bool filledHoldsRegion = false;
     for (const KcEdPickPiece& piece : pieces) {
+        if (piece.curve && (contains(piece.curve->startPoint()) || crosses(*piece.curve)))
+            return Touch::Line;
         if (piece.points.empty())
             continue;
         if (contains(piece.points.front()))
@@ -97,6 +126,11 @@ bool KcEdPickRegion::holds(const KcEdPickPieces& pieces) const
 {
     bool any = false;
     for (const KcEdPickPiece& piece : pieces) {
+        if (piece.curve) {
+            if (!holds(*piece.curve))
+                return false;
+            any = true;
+        }
         for (size_t i = 0; i < piece.points.size(); ++i) {
             if (!contains(piece.points[i]))
                 return false;

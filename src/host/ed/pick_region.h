@@ -21,6 +21,8 @@ public:
 private:
     bool contains(KcGePoint2d p) const;
     bool crosses(KcGePoint2d a, KcGePoint2d b) const;
+    bool crosses(const KcGeSegment2d& curve) const;
+    bool holds(const KcGeSegment2d& curve) const;
     bool holds(const KcEdPickPieces& pieces) const;
 
     Kind m_kind;
