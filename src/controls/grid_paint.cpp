@@ -236,9 +236,9 @@ void CSGrid::DrawRow(QPainter& painter, int index)
             DrawCell(painter, *cell, index, rect);
         if (column == 0 && row.IsTreeRow())
             DrawTree(painter, static_cast<CSGridTreeRow&>(row), rect);
-        painter.setPen(QPen(GetLineColor(), 0));
-        painter.drawLine(rect.topRight(), rect.bottomRight());
-        painter.drawLine(rect.bottomLeft(), rect.bottomRight());
+        // Filled, so that lines meet without gaps at every pixel ratio.
+        painter.fillRect(rect.right(), rect.top(), 1, rect.height(), GetLineColor());
+        painter.fillRect(rect.left(), rect.bottom(), rect.width(), 1, GetLineColor());
     }
     if (m_active && index == m_selectedItem && !IsEditing()) {
         painter.setPen(QPen(palette().color(QPalette::Highlight).darker(), 1, Qt::DotLine));
