@@ -349,6 +349,7 @@ std::vector<CSGridTreeRow*> CSGrid::RootRows() const
 void CSGrid::RebuildDisplay(const std::vector<CSGridTreeRow*>& roots)
 {
     std::vector<CSGridRow*> selected;
+    selected.reserve(m_selectedRows.size());
     for (const long index : m_selectedRows)
         selected.push_back(GetRow(int(index)));
     CSGridRow* item = GetRow(m_selectedItem);
@@ -360,13 +361,13 @@ void CSGrid::RebuildDisplay(const std::vector<CSGridTreeRow*>& roots)
         item = static_cast<CSGridTreeRow*>(item)->GetParentRow();
     m_selectedItem = item ? item->GetIndex() : -1;
     m_selectionAnchor = m_selectedItem;
-    m_selectedRows.clear();
+    // The marks tell which of the rows displayed now are selected, in their order.
     for (CSGridRow* row : selected)
-        if (row->m_piece)
-            m_selectedRows.push_back(row->GetIndex());
-        else
-            row->m_selected = false;
-    std::sort(m_selectedRows.begin(), m_selectedRows.end());
+        row->m_selected = row->m_piece != nullptr;
+    m_selectedRows.clear();
+    for (size_t index = 0; index < rows.size(); ++index)
+        if (rows[index]->m_selected)
+            m_selectedRows.push_back(long(index));
     RecalcLayout();
 }
 

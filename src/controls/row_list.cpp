@@ -1,61 +1,82 @@
-// Rows in pieces of at most kFull; the index of each piece's first row is worked out when it is asked for.
+// Rows in pieces of at most kFull, and how many rows lie before a piece.
 
 #include "controls/row_list.h"
 
 #include "controls/grid_model.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace {
 constexpr size_t kFull = 512;
 }
 
-void RowList::refreshFirsts() const
+void RowList::refreshSums() const
 {
-    if (m_valid >= m_pieces.size())
+    if (m_sumsHold)
         return;
-    m_firsts.resize(m_pieces.size());
-    for (; m_valid < m_pieces.size(); ++m_valid)
-        m_firsts[m_valid]
-            = m_valid == 0 ? 0 : m_firsts[m_valid - 1] + int(m_pieces[m_valid - 1]->rows.size());
+    m_sums.assign(m_pieces.size() + 1, 0);
+    for (size_t i = 1; i < m_sums.size(); ++i) {
+        m_sums[i] += int(m_pieces[i - 1]->rows.size());
+        if (const size_t above = i + (i & -i); above < m_sums.size())
+            m_sums[above] += m_sums[i];
+    }
+    m_sumsHold = true;
 }
 
-size_t RowList::pieceOf(int index) const
+int RowList::firstOf(size_t piece) const
 {
-    refreshFirsts();
-    const auto end = m_firsts.begin() + std::ptrdiff_t(m_pieces.size());
-    return size_t(std::upper_bound(m_firsts.begin(), end, index) - m_firsts.begin()) - 1;
+    refreshSums();
+    int first = 0;
+    for (size_t i = piece; i > 0; i -= i & -i)
+        first += m_sums[i];
+    return first;
 }
 
-void RowList::changed(size_t piece)
+std::pair<size_t, int> RowList::placeOf(int index) const
+{
+    refreshSums();
+    size_t before = 0; // pieces that end before the index
+    int rest = index;
+    for (size_t step = std::bit_floor(m_pieces.size()); step > 0; step /= 2)
+        if (before + step < m_sums.size() && m_sums[before + step] <= rest) {
+            before += step;
+            rest -= m_sums[before];
+        }
+    return { before, rest };
+}
+
+void RowList::resized(size_t piece, int by)
 {
     ++m_changes;
-    m_valid = std::min(m_valid, piece + 1);
+    m_count += by;
+    if (m_sumsHold)
+        for (size_t i = piece + 1; i < m_sums.size(); i += i & -i)
+            m_sums[i] += by;
 }
 
 void RowList::renumberPieces(size_t from)
 {
     for (size_t piece = from; piece < m_pieces.size(); ++piece)
         m_pieces[piece]->ordinal = int(piece);
-    m_valid = std::min(m_valid, from);
+    m_sumsHold = false;
 }
 
 CSGridRow* RowList::at(int index) const
 {
     if (index < 0 || index >= m_count)
         return nullptr;
-    const size_t piece = pieceOf(index);
-    return m_pieces[piece]->rows[size_t(index - m_firsts[piece])];
+    const auto [piece, place] = placeOf(index);
+    return m_pieces[piece]->rows[size_t(place)];
 }
 
 int RowList::indexOf(const CSGridRow* row) const
 {
     if (!row || !row->m_piece)
         return -1;
-    refreshFirsts();
     const std::vector<CSGridRow*>& rows = row->m_piece->rows;
     const auto found = std::find(rows.begin(), rows.end(), row);
-    return m_firsts[size_t(row->m_piece->ordinal)] + int(found - rows.begin());
+    return firstOf(size_t(row->m_piece->ordinal)) + int(found - rows.begin());
 }
 
 void RowList::split(size_t piece)
@@ -75,15 +96,15 @@ void RowList::insert(int index, CSGridRow* row)
     index = std::clamp(index, 0, m_count);
     if (m_pieces.empty()) {
         m_pieces.push_back(std::make_unique<RowPiece>());
-        m_valid = 0;
+        m_sumsHold = false;
     }
-    size_t piece = index == m_count ? m_pieces.size() - 1 : pieceOf(index);
-    refreshFirsts();
+    const size_t last = m_pieces.size() - 1;
+    const auto [piece, place]
+        = index == m_count ? std::pair(last, int(m_pieces[last]->rows.size())) : placeOf(index);
     RowPiece& home = *m_pieces[piece];
-    home.rows.insert(home.rows.begin() + (index - m_firsts[piece]), row);
+    home.rows.insert(home.rows.begin() + place, row);
     row->m_piece = &home;
-    ++m_count;
-    changed(piece);
+    resized(piece, 1);
     if (home.rows.size() > kFull)
         split(piece);
 }
@@ -104,14 +125,12 @@ CSGridRow* RowList::take(int index)
 {
     if (index < 0 || index >= m_count)
         return nullptr;
-    const size_t piece = pieceOf(index);
+    const auto [piece, place] = placeOf(index);
     RowPiece& home = *m_pieces[piece];
-    const auto place = home.rows.begin() + (index - m_firsts[piece]);
-    CSGridRow* row = *place;
-    home.rows.erase(place);
+    CSGridRow* const row = home.rows[size_t(place)];
+    home.rows.erase(home.rows.begin() + place);
     row->m_piece = nullptr;
-    --m_count;
-    changed(piece);
+    resized(piece, -1);
     if (home.rows.empty()) {
         m_pieces.erase(m_pieces.begin() + std::ptrdiff_t(piece));
         renumberPieces(piece);
@@ -124,16 +143,14 @@ void RowList::takeRange(int first, int count)
     first = std::max(first, 0);
     count = std::min(count, m_count - first);
     while (count > 0) {
-        const size_t piece = pieceOf(first);
+        const auto [piece, from] = placeOf(first);
         std::vector<CSGridRow*>& rows = m_pieces[piece]->rows;
-        const int from = first - m_firsts[piece];
         const int here = std::min(count, int(rows.size()) - from);
         for (int i = from; i < from + here; ++i)
             rows[size_t(i)]->m_piece = nullptr;
         rows.erase(rows.begin() + from, rows.begin() + from + here);
-        m_count -= here;
         count -= here;
-        changed(piece);
+        resized(piece, -here);
         if (rows.empty()) {
             m_pieces.erase(m_pieces.begin() + std::ptrdiff_t(piece));
             renumberPieces(piece);
@@ -148,8 +165,7 @@ void RowList::clear()
         for (CSGridRow* row : piece->rows)
             row->m_piece = nullptr;
     m_pieces.clear();
-    m_firsts.clear();
-    m_valid = 0;
+    m_sumsHold = false;
     m_count = 0;
 }
 

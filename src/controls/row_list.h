@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 class CSGridRow;
@@ -38,15 +39,19 @@ public:
     unsigned changes() const { return m_changes; }
 
 private:
-    size_t pieceOf(int index) const;
-    void refreshFirsts() const;
-    void changed(size_t piece);
+    /// The piece that holds an index, and the place in it.
+    std::pair<size_t, int> placeOf(int index) const;
+    int firstOf(size_t piece) const;
+    void refreshSums() const;
+    void resized(size_t piece, int by);
     void renumberPieces(size_t from);
     void split(size_t piece);
 
     std::vector<std::unique_ptr<RowPiece>> m_pieces;
-    mutable std::vector<int> m_firsts; // index of the first row of each piece, right below m_valid
-    mutable size_t m_valid = 0;
+    // Numbers of rows of the pieces as a tree of partial sums (P. Fenwick, 1994): a change and a question
+    // touch as many of them as there are binary digits. Made anew when pieces come or go.
+    mutable std::vector<int> m_sums;
+    mutable bool m_sumsHold = false;
     int m_count = 0;
     unsigned m_changes = 0;
 };
