@@ -134,6 +134,36 @@ TEST_F(Hand, TypingReachesTheCommandLineFromEverywhere)
     });
 }
 
+// Fault: the field undoes its own text, which is empty, and the drawing stays.
+TEST_F(Hand, KeysOfTheEditMenuWorkWhileTheCommandLineHasTheFocus)
+{
+    const auto lines
+        = [&] { return KcDbRead<KcDbBlockTableRecord>(database().modelSpace())->entityIds().size(); };
+    run({
+        [&] { type("LINE\r"); },
+        [&] { type("0,0\r"); },
+        [&] { type("10,10\r"); },
+        [&] { type("\r"); },
+        [&] {
+            EXPECT_EQ(lines(), 1u);
+            field().setFocus();
+            QTest::keyClick(&field(), Qt::Key_Z, Qt::ControlModifier);
+        },
+        [&] {
+            EXPECT_EQ(lines(), 0u);
+            EXPECT_EQ(field().text(), "");
+            QTest::keyClick(&field(), Qt::Key_Y, Qt::ControlModifier);
+        },
+        [&] {
+            EXPECT_EQ(lines(), 1u);
+            QTest::keyClicks(&field(), "12");
+            QTest::keyClick(&field(), Qt::Key_Z, Qt::ControlModifier); // of what is being typed
+            EXPECT_EQ(lines(), 1u);
+            field().clear();
+        },
+    });
+}
+
 // Faults: a question that is not asked, a cancel that closes all the same, a save that goes elsewhere.
 TEST_F(Hand, AsksBeforeUnsavedWorkIsLost)
 {

@@ -274,6 +274,14 @@ void KcUiCommandLine::recall(int step)
 
 bool KcUiCommandLine::eventFilter(QObject* watched, QEvent* event)
 {
+    // An empty field has nothing to undo, mark or delete: these keys are the menus' then.
+    if (event->type() == QEvent::ShortcutOverride && watched == m_field && m_field->text().isEmpty()) {
+        const auto* shortcut = static_cast<QKeyEvent*>(event);
+        if ((shortcut->modifiers() & Qt::ControlModifier) || shortcut->key() == Qt::Key_Delete) {
+            event->ignore();
+            return true;
+        }
+    }
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
