@@ -23,12 +23,19 @@ constexpr int kRefreshDelay = 50; // milliseconds; a command that makes a hundre
 
 QIcon swatch(const KcCmColor& color)
 {
-    QPixmap picture(14, 14);
-    picture.fill(QColor::fromRgb(color.rgb >= 0 ? QRgb(color.rgb) : kcgiIndexColor(color.index)));
-    QPainter painter(&picture);
-    painter.setPen(Qt::gray); // white ones are seen on white, too
-    painter.drawRect(picture.rect().adjusted(0, 0, -1, -1));
-    return picture;
+    constexpr int kSide = 14;
+    QIcon icon;
+    for (const int ratio : { 1, 2, 3 }) { // of screens of common densities
+        QPixmap picture(kSide * ratio, kSide * ratio);
+        picture.setDevicePixelRatio(ratio);
+        picture.fill(QColor::fromRgb(color.rgb >= 0 ? QRgb(color.rgb) : kcgiIndexColor(color.index)));
+        QPainter painter(&picture);
+        painter.setPen(Qt::gray); // white ones are seen on white, too
+        painter.drawRect(QRectF(0.5, 0.5, kSide - 1, kSide - 1));
+        painter.end();
+        icon.addPixmap(picture);
+    }
+    return icon;
 }
 
 } // namespace
