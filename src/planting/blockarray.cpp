@@ -1,6 +1,7 @@
 // BLOCKARRAY: places copies of plant symbols at regular intervals along a path.
 
 #include "core/block.h"
+#include "core/long_work.h"
 #include "core/prompts.h"
 #include "db/curves.h"
 #include "db/polyline.h"
@@ -11,7 +12,6 @@
 #include "frame/settings.h"
 #include "planting/array_places.h"
 #include "planting/commands.h"
-#include "statistics/long_work.h"
 
 namespace {
 
@@ -223,11 +223,11 @@ int placeSymbols(const std::vector<Symbol>& symbols, const std::vector<ArrayPlac
     int placed = 0;
     for (const ArrayPlace& place : places) {
         const Symbol& symbol = symbols[size_t(placed) % symbols.size()];
-        if (kcedProgressCancelled()
-            || kcedCopyEntity(symbol.id, toPlace(symbol, place, turned), modelSpace).isNull())
+        if (kcedCopyEntity(symbol.id, toPlace(symbol, place, turned), modelSpace).isNull())
             break;
         ++placed;
-        meter.advance();
+        if (!meter.advance())
+            break;
     }
     return placed;
 }

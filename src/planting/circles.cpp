@@ -1,11 +1,12 @@
 // CIRCLES: fills a cloud outline with a regular tree array.
 
 #include "core/draw.h"
+#include "core/long_work.h"
+#include "core/selection.h"
 #include "ed/console.h"
 #include "ed/documents.h"
 #include "planting/commands.h"
 #include "planting/tree_array.h"
-#include "statistics/long_work.h"
 
 void drawTreeArray()
 {
@@ -26,7 +27,10 @@ void drawTreeArray()
     for (const auto* trees : { &array->boundary, &array->inside })
         for (const KcGePoint2d tree : *trees) {
             circles.push_back(NewCircle({ tree.x, tree.y, outline->elevation }, array->radius));
-            meter.advance();
+            if (meter.advance())
+                continue;
+            CSs(std::move(circles)).Delete();
+            return kcedSay(QStringLiteral("已停止，未生成树阵。"));
         }
     constexpr size_t kFewestArcs = 3;
     if (array->boundary.size() < kFewestArcs)

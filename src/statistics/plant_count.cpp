@@ -7,12 +7,13 @@
 #include "core/draw.h"
 #include "core/entity_tags.h"
 #include "core/label_parse.h"
+#include "core/long_work.h"
 #include "core/tags.h"
 #include "core/text.h"
 #include "frame/split.h"
-#include "statistics/long_work.h"
 
 #include <limits>
+#include <optional>
 #include <unordered_map>
 
 namespace {
@@ -28,8 +29,8 @@ struct Symbols {
     int count = 0;
 };
 
-// In the order in which the definitions are first met.
-std::vector<Symbols> groupByDefinition(const std::vector<KcDbObjectId>& references)
+// In the order in which the definitions are first met; nothing when the user stopped it.
+std::optional<std::vector<Symbols>> groupByDefinition(const std::vector<KcDbObjectId>& references)
 {
     LongWork work(QStringLiteral("正在分析%1个图块的数据"), references.size(), symbolsWithoutMeter);
     std::vector<Symbols> groups;
@@ -47,7 +48,8 @@ std::vector<Symbols> groupByDefinition(const std::vector<KcDbObjectId>& referenc
             }
             ++groups[place].count;
         }
-        work.advance();
+        if (!work.advance())
+            return std::nullopt;
     }
     return groups;
 }
@@ -68,10 +70,13 @@ void add(CTreeData& record, int count)
 
 } // namespace
 
-void countSymbols(const std::vector<KcDbObjectId>& references, DList<CTreeData>& records)
+bool countSymbols(const std::vector<KcDbObjectId>& references, DList<CTreeData>& records)
 {
     const bool isNew = records.isEmpty();
-    for (const Symbols& group : groupByDefinition(references)) {
+    const auto groups = groupByDefinition(references);
+    if (!groups)
+        return false;
+    for (const Symbols& group : *groups) {
         CTreeData& record = recordOf(records, blockDefinitionName(group.definition));
         add(record, group.count);
         if (record.block.isNull())
@@ -81,14 +86,16 @@ void countSymbols(const std::vector<KcDbObjectId>& references, DList<CTreeData>&
         sortByCount(records);
     else
         removeEmptyRecords(records);
+    return true;
 }
 
-void countLabels(const std::vector<KcDbObjectId>& texts, DList<CTreeData>& records)
+bool countLabels(const std::vector<KcDbObjectId>& texts, DList<CTreeData>& records)
 {
     const bool isNew = records.isEmpty();
     LongWork work(QStringLiteral("正在分析%1条数据"), texts.size(), labelsWithoutMeter);
     for (const KcDbObjectId text : texts) {
-        work.advance();
+        if (!work.advance())
+            return false;
         MText label;
         if (!label.Initialize(text) || entityTag(text, tags::entityType) == tags::kind::areaLabel)
             continue;
@@ -101,14 +108,13 @@ void countLabels(const std::vector<KcDbObjectId>& texts, DList<CTreeData>& recor
     }
     if (isNew)
         sortByCount(records);
+    return true;
 }
 
-void countPlants(const PlantSelection& plants, DList<CTreeData>& records)
+bool countPlants(const PlantSelection& plants, DList<CTreeData>& records)
 {
-    if (plants.mode == PlantSelection::Mode::Symbols)
-        countSymbols(plants.ids, records);
-    else
-        countLabels(plants.ids, records);
+    return plants.mode == PlantSelection::Mode::Symbols ? countSymbols(plants.ids, records)
+                                                        : countLabels(plants.ids, records);
 }
 
 std::vector<LabelEntry> entriesOfLabel(const QString& text)

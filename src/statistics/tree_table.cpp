@@ -4,8 +4,8 @@
 
 #include "core/block.h"
 #include "core/drawing_config.h"
+#include "core/long_work.h"
 #include "core/tables.h"
-#include "statistics/long_work.h"
 #include "statistics/plant_count.h"
 
 namespace {
@@ -125,14 +125,18 @@ void fillTreeTable(KcDbTable& table, DList<CTreeData>& records, double rowHeight
     records.clear();
 }
 
-void updateTreeTable(KcDbTable& table, const PlantSelection& plants, const TableSettings& settings)
+bool recountTreeTable(const KcDbTable& table, const PlantSelection& plants, DList<CTreeData>& records)
+{
+    takeRows(table, findHeaderRows(table).count, records);
+    return countPlants(plants, records);
+}
+
+void updateTreeTable(KcDbTable& table, DList<CTreeData>& records, const TableSettings& settings)
 {
     table.mergeCells(0, 0, 0, table.numColumns() - 1);
     table.setRowHeight(settings.rowHeight);
     const TableHeaderRows header = findHeaderRows(table);
 
-    DList<CTreeData> records;
-    takeRows(table, header.count, records);
     if (table.numRows() > header.count)
         table.deleteRows(header.count, table.numRows() - header.count);
     table.setTextHeight(0, 0, settings.textHeight);
@@ -140,7 +144,6 @@ void updateTreeTable(KcDbTable& table, const PlantSelection& plants, const Table
     table.setTextStyle(GetVdlCurrentTextStyle(table.database()), kAllRows);
     UpdateTableHeaderWidth(table, settings.columnWidth);
 
-    countPlants(plants, records);
     fillTreeTable(table, records, settings.rowHeight);
     if (header.repeatsTexts)
         mergeRepeatedHeadings(table);

@@ -13,7 +13,11 @@ inline const QString treeTableName = QStringLiteral("乔灌数量统计表");
 /// that has none, the first three are serial number, legend and name where the headings do not say otherwise.
 void fillTreeTable(KcDbTable& table, DList<CTreeData>& records, double rowHeight);
 
-/// Counts a table anew: its rows keep their order and units, plants that are not counted any more go, new
-/// ones come after the others. A table that does not show the names is counted as a new one would be. The
-/// table must be open for writing; its graphics are drawn anew by the caller.
-void updateTreeTable(KcDbTable& table, const PlantSelection& plants, const TableSettings& settings);
+/// Counts a table anew, into an empty list: its rows keep their order and units, plants that are not counted
+/// any more go, new ones come after the others. A table that does not show the names is counted as a new one
+/// would be. False when the user stopped it.
+bool recountTreeTable(const KcDbTable& table, const PlantSelection& plants, DList<CTreeData>& records);
+
+/// Puts records in the place of a table's rows, and its form to the settings. The list is cleared; the table's
+/// graphics are drawn anew by the caller.
+void updateTreeTable(KcDbTable& table, DList<CTreeData>& records, const TableSettings& settings);

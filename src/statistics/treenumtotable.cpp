@@ -24,12 +24,13 @@ void countPlantsIntoTable()
     const KcApDocLock lock;
     if (!lock)
         return kcedSay(QStringLiteral("图形当前不能修改，未生成统计表。"));
+    DList<CTreeData> records;
+    if (!countPlants(plants, records))
+        return kcedSay(QStringLiteral("已停止，未生成统计表。"));
     TableSettings settings = readTableSettings();
     if (!createTable(settings, treeTableName))
         return;
 
-    DList<CTreeData> records;
-    countPlants(plants, records);
     const int counted = records.count();
     fillTreeTable(*settings.table, records, settings.rowHeight);
     settings.table->setPosition(position);

@@ -39,6 +39,7 @@ void updatePlantTables()
 
     const TableSettings settings = readTableSettings();
     bool metPages = false;
+    bool stopped = false;
     int updated = 0;
     for (const KcDbObjectId id : tables) {
         if (!isTreeTable(id))
@@ -50,15 +51,22 @@ void updatePlantTables()
         const KcApDocLock lock;
         if (!lock)
             return kcedSay(QStringLiteral("图形当前不能修改，统计表未更新。"));
-        const KcDbWrite<KcDbTable> table(id);
-        if (!table)
+        DList<CTreeData> records;
+        if (const KcDbRead<KcDbTable> table(id); !table)
             continue;
-        updateTreeTable(*table, plants, settings);
+        else if (!recountTreeTable(*table, plants, records)) {
+            stopped = true;
+            break;
+        }
+        const KcDbWrite<KcDbTable> table(id);
+        updateTreeTable(*table, records, settings);
         table->recomputeTableBlock();
         ++updated;
     }
     if (metPages)
         kcedPrint(QStringLiteral("\n请注意已分页的表格无法进行更新"));
+    if (stopped)
+        return kcedSay(QStringLiteral("已停止，已更新%1个乔灌数量统计表，其余未更新。").arg(updated));
     kcedSay(
         updated > 0 ? QStringLiteral("已更新%1个乔灌数量统计表。").arg(updated)
                     : QStringLiteral("没有可更新的乔灌数量统计表。"));

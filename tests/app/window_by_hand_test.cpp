@@ -57,12 +57,15 @@ protected:
     bool goTo(const QString& title)
     {
         return waitFor([&] {
-            const QStringList found
-                = hand({ "search", "--onlyvisible", "--name", title }).split('\n', Qt::SkipEmptyParts);
+            const QStringList found = windows(title);
             if (!found.isEmpty())
                 hand({ "windowfocus", "--sync", found.last() });
             return !found.isEmpty();
         });
+    }
+    QStringList windows(const QString& title)
+    {
+        return hand({ "search", "--onlyvisible", "--name", title }).split('\n', Qt::SkipEmptyParts);
     }
     template <class Condition> static bool waitFor(Condition holds)
     {
@@ -121,7 +124,7 @@ TEST_F(WindowByHand, CountsSetsUpPlotsAndSaves)
         to(12, 90) + QStringList{ "mousedown", "1" } + to(300, 300) + to(760, 610)
         + QStringList{ "mouseup", "1" });
     press({ "Return" });
-    hand(QStringList{ "sleep", "2" } + to(400, 300) + QStringList{ "click", "1" }); // counted by then
+    hand(to(400, 300) + QStringList{ "click", "1" });
     ASSERT_TRUE(goTo("^plan.dxf[*]"));
 
     press({ "ctrl+z", "ctrl+s" });
@@ -140,6 +143,7 @@ TEST_F(WindowByHand, CountsSetsUpPlotsAndSaves)
         return settings.open(QIODevice::ReadOnly) && settings.readAll().contains("dTextHeight=2.4");
     }));
 
+    ASSERT_TRUE(waitFor([&] { return windows("^[^a-zA-Z0-9]").isEmpty(); }));
     goTo("^plan.dxf");
     type("PLOT\n\n\n\n\n");
     EXPECT_TRUE(waitFor([&] { return QFileInfo(folder.filePath("plan.pdf")).size() > 10'000; }));

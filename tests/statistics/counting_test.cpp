@@ -97,8 +97,9 @@ protected:
     }
     void update(KcDbObjectId id, const PlantSelection& plants)
     {
-        const KcDbWrite<KcDbTable> table(id);
-        updateTreeTable(*table, plants, settings);
+        DList<CTreeData> records;
+        EXPECT_TRUE(recountTreeTable(*KcDbRead<KcDbTable>(id), plants, records));
+        updateTreeTable(*KcDbWrite<KcDbTable>(id), records, settings);
     }
 
     const TableSettings settings = tableSettingsFor(100, 3.5, 2);

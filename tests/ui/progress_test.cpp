@@ -169,8 +169,9 @@ TEST_F(LongWorkInTheWindow, CommandsAreStopped)
     EXPECT_FALSE(stop().isVisible());
 }
 
-// The same of a command of the module, with the hand: what stands stays, as one step.
-TEST_F(LongWorkInTheWindow, ARowOfPlantsIsStopped)
+// The same of commands of the module, with the hand. Copies that stand stay, as one step; of a count that was
+// not finished, nothing does.
+TEST_F(LongWorkInTheWindow, RowsAndCountsAreStopped)
 {
     ASSERT_TRUE(window.openDrawing(QStringLiteral(VERDELIS_SOURCE_DIR "/examples/planting-plan.dxf")));
     KcDbObjectId symbol;
@@ -179,6 +180,7 @@ TEST_F(LongWorkInTheWindow, ARowOfPlantsIsStopped)
             symbol = id;
     const KcDbObjectId path = addLine(0, 0, 100'000, 0);
     const size_t before = entities();
+    size_t placed = 0;
     const auto line = [&](const QString& text) { return [this, text] { type(text + QLatin1Char('\r')); }; };
     const auto handle = [](KcDbObjectId id) { return QLatin1Char('#') + QString::number(id.handle(), 16); };
     const Onlooker onlooker([&] {
@@ -197,6 +199,16 @@ TEST_F(LongWorkInTheWindow, ARowOfPlantsIsStopped)
             EXPECT_GT(entities(), before + 1000) << history();
             EXPECT_LT(entities(), before + 2000);
             EXPECT_FALSE(bar().isVisible());
+            placed = entities();
+        },
+        line("TREENUMTOTABLE"),
+        line("ALL"),
+        [&] { press(Qt::Key_Return); },
+        line("0,0"),
+        [&] {
+            EXPECT_EQ(entities(), placed);
+            EXPECT_FALSE(bar().isVisible());
+            EXPECT_TRUE(history().contains("已停止")) << history();
             type("U\r");
         },
         [&] { EXPECT_EQ(entities(), before); },

@@ -3,7 +3,7 @@
 
 #include "db/table.h"
 #include "dxf/drawing_file.h"
-#include "ed/input.h"
+#include "ed/selection.h"
 
 #include <QComboBox>
 #include <QTemporaryDir>
@@ -102,6 +102,35 @@ TEST_F(Hand, TypedAnswers)
         [&] {
             EXPECT_EQ(window.source().waiting()->kind, KcEdPrompt::Kind::Point);
             press(Qt::Key_Escape);
+        },
+    });
+}
+
+// What is done quickly one after the other, before the window has drawn breath, reaches the prompts in order:
+// a click right behind Enter is no selection for the prompt that Enter has ended.
+TEST_F(Hand, QuickHandsAnswerTheNextQuestion)
+{
+    addLine(40, 50, 60, 50);
+    KcEdSelectionSet chosen;
+    KcGePoint3d point;
+    QString text;
+    command([&] {
+        EXPECT_EQ(kcedSSGet({}, nullptr, nullptr, {}, chosen), kcedNormal);
+        EXPECT_EQ(kcedGetPoint(nullptr, QStringLiteral("\nPoint: "), point), kcedNormal);
+        EXPECT_EQ(kcedGetString(false, QStringLiteral("\nText: "), text), kcedNormal);
+    });
+    run({
+        [&] { type("tested\r"); },
+        [&] {
+            click(50, 50);
+            press(Qt::Key_Return);
+            click(20, 30);
+            type("oak\r");
+        },
+        [&] {
+            EXPECT_EQ(chosen.size(), 1u);
+            EXPECT_LT(point.distanceTo({ 20, 30, 0 }), 0.5);
+            EXPECT_EQ(text, "oak");
         },
     });
 }

@@ -80,6 +80,14 @@ std::optional<KcEdAnswer> answerFromClick(const KcEdPrompt& prompt, KcGePoint3d 
     }
 }
 
+// A selection or a pick made at one prompt is no answer to a prompt of another kind.
+bool isMeantFor(const KcEdPrompt& prompt, const KcEdAnswer& answer)
+{
+    if (std::holds_alternative<KcEdSelectionLine>(answer))
+        return prompt.kind == KcEdPrompt::Kind::Selection;
+    return !std::holds_alternative<KcEdPick>(answer) || prompt.kind == KcEdPrompt::Kind::Entity;
+}
+
 // The answer if the prompt accepts it; else nothing, and the reason is said.
 std::optional<KcEdAnswer> checked(const KcEdPrompt& prompt, std::optional<KcEdAnswer> answer)
 {
@@ -194,10 +202,12 @@ KcEdAnswer KcEdEditor::ask(const KcEdPrompt& prompt)
             source()->giveBack(event);
             answer = KcEdEscape();
         } else if (const auto* given = std::get_if<KcEdGiven>(&event)) {
-            if (!std::holds_alternative<KcEdRestart>(given->answer))
+            if (std::holds_alternative<KcEdRestart>(given->answer)) {
+                if (prompt.drag)
+                    return given->answer;
+            } else if (isMeantFor(prompt, given->answer)) {
                 answer = checked(prompt, given->answer);
-            else if (prompt.drag)
-                return given->answer;
+            }
         } else if (const auto* move = std::get_if<KcEdMove>(&event)) {
             if (prompt.kind == KcEdPrompt::Kind::Track)
                 answer = *move;

@@ -203,6 +203,18 @@ void KcUiCanvas::wheelEvent(QWheelEvent* event)
 
 // The mouse.
 
+// A button is for what the user sees asked. One that follows an answer at once is for the question after it.
+bool KcUiCanvas::event(QEvent* event)
+{
+    const bool isButton = event->type() == QEvent::MouseButtonPress
+        || event->type() == QEvent::MouseButtonRelease || event->type() == QEvent::MouseButtonDblClick;
+    if (!isButton || static_cast<QMouseEvent*>(event)->button() == Qt::MiddleButton || !m_source.isAnswered())
+        return QWidget::event(event);
+    m_source.pushWhenAsked(
+        [this, later = std::shared_ptr<QEvent>(event->clone())] { QWidget::event(later.get()); });
+    return true;
+}
+
 bool KcUiCanvas::selects() const
 {
     return m_prompt

@@ -57,6 +57,7 @@ public:
     KcGePoint3d cursorPoint() const { return m_aim.point; }
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

@@ -16,6 +16,12 @@ public:
     /// Something the user did. Escape forgets what was done before it and not taken yet.
     void push(KcEdEvent event);
     void pushLine(const QString& text) { push(KcEdLine{ text, {}, 0 }); }
+    /// Something the user did that has a meaning only for the prompt that waits for it: `act` is called when
+    /// that one asks, and pushes the answer.
+    void pushWhenAsked(std::function<void()> act);
+    /// True when the prompt that waits has its answer and will take it in a moment: what the user does now is
+    /// for the next one.
+    bool isAnswered() const;
     /// No more answers, ever: the window closes. What waits gets its end, and everything that asks later too.
     void finish();
     bool isFinished() const { return m_finished; }
@@ -31,7 +37,15 @@ protected:
     KcEdEvent read(const KcEdPrompt& prompt) override;
 
 private:
-    std::deque<KcEdEvent> m_events;
+    using Act = std::function<void()>;
+    using Done = std::variant<KcEdEvent, Act>;
+
+    bool isReady() const { return !m_done.empty() && std::holds_alternative<KcEdEvent>(m_done.front()); }
+    const KcEdMove* lastMove() const;
+    void wake();
+    void actFirst();
+
+    std::deque<Done> m_done; ///< by the user, and not taken yet
     const KcEdPrompt* m_waiting = nullptr;
     QEventLoop* m_loop = nullptr;
     bool m_finished = false;

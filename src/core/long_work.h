@@ -14,11 +14,13 @@ public:
         if (things > withoutMeter)
             m_meter.emplace(label.arg(things), int(things));
     }
-    /// One more is done.
-    void advance()
+    /// One more is done. False once the user wants the work stopped.
+    bool advance()
     {
-        if (m_meter)
-            m_meter->setPosition(++m_done);
+        if (!m_meter)
+            return true;
+        m_meter->setPosition(++m_done);
+        return !kcedProgressCancelled();
     }
 
 private:
