@@ -8,6 +8,7 @@
 #include "dxf/drawing_file.h"
 #include "ed/draw_order.h"
 #include "ed/grips.h"
+#include "ed/input.h"
 #include "ed/object_snap.h"
 #include "ed/system_variables.h"
 
@@ -87,6 +88,36 @@ TEST(ObjectSnap, DrawsTheCursorToTheRightPoint)
     // Hidden things draw nobody.
     session.run({ "LAYER", "OFF", "0", "" });
     EXPECT_FALSE(kcedObjectSnap(session.database, { { 98, 2, 0 }, 4.0, kcedSnapAll, {} }));
+}
+
+// Faults: a word that counts for more than one point, that a command which only looks uses up, or that is
+// forgotten where nothing lies; a distance without its direction.
+TEST(ObjectSnap, WordsCountForTheNextPointOnly)
+{
+    Session session;
+    kcedSetVar(QStringLiteral("OSMODE"), int64_t(0));
+    kcedSetView(session.document, { { 50, 50 }, 200 });
+    session.addLine(0, 0, 100, 0);
+    session.addLine(100, 50, 100, 150);
+    std::vector<KcGePoint3d> points;
+    const int refusals = session.run(
+        [&] {
+            KcGePoint3d p;
+            while (kcedGetPoint(points.empty() ? nullptr : &points.back(), QStringLiteral("\nPoint: "), p)
+                   == kcedNormal)
+                points.push_back(p);
+        },
+        { "endp", "99,1", "99,1", "mid", "'ZOOM", "0,0", "200,200", "50,50", "49,1", "per", "99,70", "<90",
+          "20", "<180", "60,500", "7", "nonsense", "" });
+    ASSERT_EQ(points.size(), 6u);
+    EXPECT_TRUE(points[0].isEqualTo({ 100, 0, 0 }));
+    EXPECT_TRUE(points[1].isEqualTo({ 99, 1, 0 }));
+    EXPECT_TRUE(points[2].isEqualTo({ 50, 0, 0 }));
+    EXPECT_TRUE(points[3].isEqualTo({ 100, 0, 0 })) << "on the line, lengthened";
+    EXPECT_TRUE(points[4].isEqualTo({ 100, 20, 0 }));
+    EXPECT_TRUE(points[5].isEqualTo({ 60, 20, 0 }));
+    // "50,50" with the middle said, a number without a cursor, and nonsense.
+    EXPECT_EQ(refusals, 3) << qPrintable(session.errors);
 }
 
 TEST(ObjectSnap, ModesAreSetByTheirNames)

@@ -68,6 +68,20 @@ TEST_F(Hand, SelectsByWindowCrossingAndPicks)
     });
 }
 
+// Fault: a window that selects along turned axes what was drawn along the screen's.
+TEST_F(Hand, SelectsWhatWasDrawnOnTheScreenInATurnedCoordinateSystem)
+{
+    const KcDbObjectId corner = addLine(11, 11, 14, 14);
+    addLine(30, 5, 32, 5);
+    run({
+        [&] { type("UCS\r"); },
+        [&] { type("Z\r"); },
+        [&] { type("45\r"); },
+        [&] { drag(10, 10, 40, 40); },
+        [&] { EXPECT_EQ(document().pickFirst.ids(), std::vector<KcDbObjectId>{ corner }); },
+    });
+}
+
 // Fault: a picture that is moved while panning and is not what drawing it anew would show.
 TEST_F(Hand, PansAsIfDrawnAnew)
 {
@@ -149,6 +163,31 @@ TEST_F(Hand, AimsAtSnapsAxesAndTrackingLines)
     }
 }
 
+// Faults: a number that goes elsewhere than to the cursor, as ortho has it; a click that gives a free point
+// after a word for a snap.
+TEST_F(Hand, NumbersGoTowardsTheCursorAndWordsHoldForOneClick)
+{
+    addLine(30, 70, 70, 70);
+    kcedSetVar(QStringLiteral("ORTHOMODE"), int64_t(1));
+    run({
+        [&] { type("LINE\r"); },
+        [&] { type("20,20\r"); },
+        [&] { move(60, 31); },
+        [&] { type("15\r"); },
+        [&] { type("end "); },
+        [&] { click(50, 50); },
+        [&] { click(69, 69.5); },
+        [&] { press(Qt::Key_Escape); },
+    });
+    kcedSetVar(QStringLiteral("ORTHOMODE"), int64_t(0));
+    std::vector<KcGePoint3d> ends;
+    for (const KcDbObjectId id : *KcDbRead<KcDbBlockTableRecord>(database().modelSpace()))
+        ends.push_back(KcDbRead<KcDbLine>(id)->data().end);
+    ASSERT_EQ(ends.size(), 3u);
+    EXPECT_TRUE(ends[1].isEqualTo({ 35, 20, 0 }));
+    EXPECT_TRUE(ends[2].isEqualTo({ 70, 70, 0 }));
+}
+
 // Fault: a drag that ends its prompt with a move, loses moves, or leaves its preview on the screen.
 TEST_F(Hand, ShowsWhatADragWouldMake)
 {
@@ -219,6 +258,20 @@ TEST_F(Hand, DragsGrips)
         [&] {
             EXPECT_TRUE(end(id).isEqualTo({ 60, 20, 0 }));
             EXPECT_EQ(document().pickFirst.size(), 2u);
+            // Collected with Shift, both far ends go as far as the one that is dragged.
+            click(20, 20, Qt::ShiftModifier);
+        },
+        [&] { click(60, 60, Qt::ShiftModifier); },
+        [&] { drag(60, 60, 60, 70); },
+        [&] {
+            EXPECT_LT(start(id).distanceTo({ 20, 30, 0 }), 0.3);
+            EXPECT_LT(end(other).distanceTo({ 60, 70, 0 }), 0.3);
+            EXPECT_TRUE(end(id).isEqualTo({ 60, 20, 0 }));
+            type("U\r");
+        },
+        [&] {
+            EXPECT_TRUE(start(id).isEqualTo({ 20, 20, 0 }));
+            EXPECT_TRUE(end(other).isEqualTo({ 60, 60, 0 }));
         },
     });
 }

@@ -8,8 +8,11 @@
 #include "ed/dialogs.h"
 #include "ed/documents.h"
 #include "ed/help.h"
+#include "ed/next_point.h"
 #include "ed/selection.h"
 #include "ed/system_variables.h"
+
+#include <QScopedValueRollback>
 
 namespace {
 
@@ -61,16 +64,27 @@ void rememberPoint(const KcEdAnswer& answer)
         document->lastPoint = *pick->point;
 }
 
+// A point after something was said about it.
+std::variant<KcEdAnswer, KcEdRefusal> meant(const KcEdPrompt& prompt, KcGePoint3d point)
+{
+    auto said = kcedSaidPoint(prompt, point);
+    if (auto* refusal = std::get_if<KcEdRefusal>(&said))
+        return std::move(*refusal);
+    return KcEdAnswer(std::get<KcGePoint3d>(said));
+}
+
 // A click answers as the point would that is typed; a move counts only where moves are wanted.
 std::optional<KcEdAnswer> answerFromClick(const KcEdPrompt& prompt, KcGePoint3d point)
 {
+    if (kcedTakesPoint(prompt.kind)) {
+        auto answer = meant(prompt, point);
+        if (auto* refusal = std::get_if<KcEdRefusal>(&answer)) {
+            kcedSay(refusal->sentence);
+            return {};
+        }
+        return std::move(std::get<KcEdAnswer>(answer));
+    }
     switch (prompt.kind) {
-    case KcEdPrompt::Kind::Point:
-    case KcEdPrompt::Kind::Corner:
-    case KcEdPrompt::Kind::Distance:
-    case KcEdPrompt::Kind::Angle:
-    case KcEdPrompt::Kind::Track:
-        return point;
     case KcEdPrompt::Kind::Selection:
         return KcEdSelectionLine{ KcEdSelectionLine::Mode::Point, false, { point }, {} };
     case KcEdPrompt::Kind::Entity:
@@ -119,6 +133,7 @@ bool goesOnBeside(const KcEdPrompt& prompt, const QString& line)
         // Points entered meanwhile are none of the command that asks.
         KcApDocument* document = kcDocManagerPtr()->curDocument();
         const KcGePoint3d last = lastPoint();
+        const QScopedValueRollback<KcEdNextPoint> said(kcedNextPoint(), {});
         kcedCommandStack().run(*command);
         if (document)
             document->lastPoint = last;
@@ -168,6 +183,14 @@ std::optional<KcEdAnswer> KcEdEditor::answerFrom(const KcEdPrompt& prompt, const
         return {};
     const Unmarked typed = unmarked(line.text);
     auto parsed = kcedParseAnswer(prompt, typed.text, typed.literal, lastPoint());
+    if (std::holds_alternative<KcEdRefusal>(parsed)) {
+        if (const auto point = kcedPointAtDistance(prompt, typed.text, source()->cursor(prompt)))
+            parsed = KcEdAnswer(*point);
+        else if (kcedSayNextPoint(prompt, typed.text))
+            return {};
+    } else if (const auto* point = std::get_if<KcGePoint3d>(&std::get<KcEdAnswer>(parsed))) {
+        parsed = meant(prompt, *point);
+    }
     if (const auto* refusal = std::get_if<KcEdRefusal>(&parsed)) {
         refuse(line, refusal->sentence);
         return {};
@@ -231,6 +254,8 @@ KcEdAnswer KcEdEditor::ask(const KcEdPrompt& prompt)
             kcedSay(QStringLiteral("*Cancel*"));
         kcedFreshRow();
         rememberPoint(*answer);
+        if (!std::holds_alternative<KcEdMove>(*answer))
+            kcedNextPoint() = {};
         return *answer;
     }
 }

@@ -9,6 +9,8 @@
 #include "ed/grips.h"
 #include "ed/jig.h"
 
+#include <unordered_set>
+
 namespace {
 
 bool isOnLockedLayer(KcDbObjectId id)
@@ -20,17 +22,46 @@ bool isOnLockedLayer(KcDbObjectId id)
     return layer && layer->isLocked();
 }
 
+/// An entity and those of its grips that move.
+struct Held {
+    KcDbObjectId id;
+    std::vector<size_t> indices;
+};
+
+/// Every grip from where it is now; the others stay where they were.
+bool moveGrips(KcDbEntity& entity, const Held& held, KcGePoint3d from, KcGePoint3d to)
+{
+    const std::vector<KcGePoint3d> before = kcedGripPoints(entity);
+    bool done = true;
+    for (const size_t index : held.indices) {
+        if (index >= before.size())
+            return false;
+        // What is held itself goes to the very point.
+        const KcGePoint3d goal = before[index].isEqualTo(from) ? to : before[index] + (to - from);
+        done = kcedMoveGrip(entity, index, goal) == Kcad::eOk && done;
+    }
+    return done;
+}
+
 } // namespace
 
 void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, KcGePoint3d from)
 {
     KcDbDatabase& database = document.database();
-    std::vector<KcEdGrip> moved;
-    for (const KcEdGrip& grip : grips)
-        if (!isOnLockedLayer(grip.entity))
-            moved.push_back(grip);
-    if (moved.size() < grips.size())
-        kcedSay(QStringLiteral("%1 on a locked layer").arg(grips.size() - moved.size()));
+    std::vector<Held> moved;
+    std::unordered_set<KcDbObjectId> locked;
+    for (const KcEdGrip& grip : grips) {
+        const auto known
+            = std::find_if(moved.begin(), moved.end(), [&](const Held& h) { return h.id == grip.entity; });
+        if (known != moved.end())
+            known->indices.push_back(grip.index);
+        else if (isOnLockedLayer(grip.entity))
+            locked.insert(grip.entity);
+        else
+            moved.push_back({ grip.entity, { grip.index } });
+    }
+    if (!locked.empty())
+        kcedSay(QStringLiteral("%1 on a locked layer").arg(locked.size()));
     if (moved.empty())
         return;
 
@@ -40,9 +71,8 @@ void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, K
     drag.base = ucs.inverse() * from;
     drag.preview = [&](KcGePoint3d cursor) {
         KcEdPreview preview;
-        for (const KcEdGrip& grip : moved)
-            if (auto copy = kcedDetachedCopy(grip.entity);
-                copy && kcedMoveGrip(*copy, grip.index, ucs * cursor) == Kcad::eOk)
+        for (const Held& held : moved)
+            if (auto copy = kcedDetachedCopy(held.id); copy && moveGrips(*copy, held, from, ucs * cursor))
                 preview.push_back(std::move(copy));
         return preview;
     };
@@ -51,9 +81,8 @@ void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, K
         return;
     const KcApUndoStep step(database, QStringLiteral("GRIP"));
     size_t refused = 0;
-    for (const KcEdGrip& grip : moved)
-        if (KcDbWrite<KcDbEntity> entity(grip.entity);
-            !entity || kcedMoveGrip(*entity, grip.index, ucs * to.point) != Kcad::eOk)
+    for (const Held& held : moved)
+        if (KcDbWrite<KcDbEntity> entity(held.id); !entity || !moveGrips(*entity, held, from, ucs * to.point))
             ++refused;
     if (refused > 0)
         kcedSay(QStringLiteral("%1 could not be changed that way").arg(refused));

@@ -12,9 +12,14 @@ class KcApDocument;
 struct KcEdGrip {
     KcDbObjectId entity;
     size_t index = 0;
+
+    friend bool operator==(const KcEdGrip& a, const KcEdGrip& b)
+    {
+        return a.entity == b.entity && a.index == b.index;
+    }
 };
 
-/// Asks where grips that lie at one point, world coordinates, shall go, showing what would become of their
-/// entities, and moves them: one undo step. Entities on locked layers stay, and that is said; a cancel
-/// changes nothing. For when no command runs.
+/// Asks where the point that is held shall go, world coordinates, showing what would become of the entities
+/// whose grips go as far, and moves them: one undo step. Entities on locked layers stay, and that is said; a
+/// cancel changes nothing. For when no command runs.
 void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, KcGePoint3d from);

@@ -49,6 +49,9 @@ public:
 
     /// Called for a line that nothing took, with the reason.
     virtual void refused(const KcEdLine& line, const QString& reason) = 0;
+    /// Where the cursor stands at a prompt, drawn to snaps and axes, user coordinates; nothing where there is
+    /// none. What is typed as a distance goes towards it.
+    virtual std::optional<KcGePoint3d> cursor(const KcEdPrompt&) const { return {}; }
     /// True when what was typed is not seen on the command line by itself.
     virtual bool needsEcho() const { return true; }
     /// True when lines answer dialogs; false when the user does so with mouse and keys.

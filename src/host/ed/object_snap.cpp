@@ -20,12 +20,22 @@ struct ModeName {
     KcEdSnapMode mode;
     const char* name;
 };
+constexpr qsizetype kShortName = 3; // letters; any longer beginning of a name means the mode as well
 constexpr ModeName kNames[] = {
-    { kcedSnapEnd, "END" },       { kcedSnapMiddle, "MID" },        { kcedSnapCenter, "CEN" },
-    { kcedSnapNode, "NOD" },      { kcedSnapQuadrant, "QUA" },      { kcedSnapIntersection, "INT" },
-    { kcedSnapInsertion, "INS" }, { kcedSnapPerpendicular, "PER" }, { kcedSnapTangent, "TAN" },
-    { kcedSnapNearest, "NEA" },
+    { kcedSnapEnd, "Endpoint" },        { kcedSnapMiddle, "Midpoint" },
+    { kcedSnapCenter, "Centre" },       { kcedSnapNode, "Node" },
+    { kcedSnapQuadrant, "Quadrant" },   { kcedSnapIntersection, "Intersection" },
+    { kcedSnapInsertion, "Insertion" }, { kcedSnapPerpendicular, "Perpendicular" },
+    { kcedSnapTangent, "Tangent" },     { kcedSnapNearest, "Nearest" },
 };
+
+bool means(const QString& word, const ModeName& row)
+{
+    const auto begins
+        = [&](const char* name) { return QLatin1String(name).startsWith(word, Qt::CaseInsensitive); };
+    return word.size() >= kShortName
+        && (begins(row.name) || (row.mode == kcedSnapCenter && begins("Center")));
+}
 
 template <class T> const T* as(const KcDbEntity& entity)
 {
@@ -335,19 +345,27 @@ QString kcedSnapModeNames(int modes)
     QStringList names;
     for (const ModeName& row : kNames)
         if (modes & row.mode)
-            names += QLatin1String(row.name);
+            names += QLatin1String(row.name, kShortName).toString().toUpper();
     return names.isEmpty() || (modes & kcedSnapSuppressed) ? QStringLiteral("NON") : names.join(u',');
+}
+
+QString kcedSnapModesInWords(int modes)
+{
+    QStringList names;
+    for (const ModeName& row : kNames)
+        if (modes & row.mode)
+            names += QLatin1String(row.name);
+    return names.isEmpty() || (modes & kcedSnapSuppressed) ? QStringLiteral("No snap")
+                                                           : names.join(QStringLiteral(" or "));
 }
 
 std::optional<int> kcedSnapModesOf(const QString& names)
 {
+    static const QRegularExpression between(QStringLiteral("[, ]+"));
     int modes = 0;
-    for (const QString& word :
-         names.toUpper().split(QRegularExpression(QStringLiteral("[, ]+")), Qt::SkipEmptyParts)) {
-        constexpr qsizetype kLeast = 3;
-        const auto* row = std::find_if(std::begin(kNames), std::end(kNames), [&](const ModeName& each) {
-            return word.size() >= kLeast && word.startsWith(QLatin1String(each.name));
-        });
+    for (const QString& word : names.toUpper().split(between, Qt::SkipEmptyParts)) {
+        const auto* row = std::find_if(
+            std::begin(kNames), std::end(kNames), [&](const ModeName& each) { return means(word, each); });
         if (row != std::end(kNames))
             modes |= row->mode;
         else if (word == u"NON" || word == u"NONE" || word == u"OFF")

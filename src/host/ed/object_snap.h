@@ -39,5 +39,7 @@ std::optional<KcEdSnap> kcedObjectSnap(const KcDbDatabase& database, const KcEdS
 
 /// "END,MID": the modes of OSMODE; "NON" for none.
 QString kcedSnapModeNames(int modes);
-/// Modes by their first three letters, with commas; nothing when a word names none.
+/// "Endpoint or Midpoint", for the user; "No snap" for none.
+QString kcedSnapModesInWords(int modes);
+/// Modes by the first three letters of their names or more, with commas; nothing when a word names none.
 std::optional<int> kcedSnapModesOf(const QString& names);

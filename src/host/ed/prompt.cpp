@@ -126,6 +126,20 @@ std::optional<Parsed> parseValue(const KcEdPrompt& prompt, const QString& text, 
 
 } // namespace
 
+bool kcedTakesPoint(KcEdPrompt::Kind kind)
+{
+    switch (kind) {
+    case KcEdPrompt::Kind::Point:
+    case KcEdPrompt::Kind::Corner:
+    case KcEdPrompt::Kind::Distance:
+    case KcEdPrompt::Kind::Angle:
+    case KcEdPrompt::Kind::Track:
+        return true;
+    default:
+        return false;
+    }
+}
+
 std::optional<double> kcedParseReal(const QString& text)
 {
     bool isNumber = false;

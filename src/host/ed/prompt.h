@@ -90,6 +90,9 @@ struct KcEdPrompt {
     std::function<void(KcGePoint3d)> drag;
 };
 
+/// True for prompts that a click answers with a point.
+bool kcedTakesPoint(KcEdPrompt::Kind kind);
+
 /// Turns a line into an answer to the prompt. `literal` lines are never keywords at a text prompt.
 /// `lastPoint` is what relative points count from, in user coordinates.
 std::variant<KcEdAnswer, KcEdRefusal>

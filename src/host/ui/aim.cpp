@@ -1,56 +1,31 @@
-// Snap points first, then ortho, then the tracking lines.
+// What was said for the point first, then snap points, then ortho, then the tracking lines.
 
 #include "ui/aim.h"
 
+#include "ed/next_point.h"
 #include "ed/system_variables.h"
 
 namespace {
 
 constexpr double kTrackPixels = 8.0; // so near to a tracking line the cursor is drawn onto it
-constexpr double kSnapPixels = 10.0; // so near to a point of the drawing it is drawn to that
-
-std::optional<KcEdSnap>
-snapAt(KcApDocument& document, const KcEdPrompt& prompt, KcGePoint2d world, double pixel)
-{
-    const int modes = kcedVarInt(QStringLiteral("OSMODE"), 0);
-    if (!(modes & kcedSnapAll) || modes & kcedSnapSuppressed)
-        return {};
-    KcEdSnapRequest request;
-    request.cursor = { world.x, world.y, 0.0 };
-    request.aperture = kSnapPixels * pixel;
-    request.modes = modes & kcedSnapAll;
-    if (prompt.base)
-        request.base = document.database().ucsToWorld() * *prompt.base;
-    return kcedObjectSnap(document.database(), request);
-}
 
 } // namespace
-
-bool kcuiTakesPoint(KcEdPrompt::Kind kind)
-{
-    switch (kind) {
-    case KcEdPrompt::Kind::Point:
-    case KcEdPrompt::Kind::Corner:
-    case KcEdPrompt::Kind::Distance:
-    case KcEdPrompt::Kind::Angle:
-    case KcEdPrompt::Kind::Track:
-        return true;
-    default:
-        return false;
-    }
-}
 
 KcUiAim kcuiAim(KcApDocument& document, const KcEdPrompt* prompt, KcGePoint2d world, double pixel)
 {
     const KcGeMatrix3d toUser = document.database().ucsToWorld().inverse();
     KcUiAim aim{ toUser * KcGePoint3d{ world.x, world.y, 0.0 }, {}, {} };
-    if (!prompt || !kcuiTakesPoint(prompt->kind))
+    if (!prompt || !kcedTakesPoint(prompt->kind))
         return aim;
-    if (aim.snap = snapAt(document, *prompt, world, pixel); aim.snap) {
+    aim.snap = kcedSnapFor(*prompt, { world.x, world.y, 0.0 }, kcedSnapPixels * pixel);
+    if (aim.snap)
         aim.point = toUser * aim.snap->point;
+    if (const auto said = kcedNextPoint().angle; said && prompt->base) {
+        aim.point = kcedOnSaidLine(*prompt, aim.point);
+        aim.track = *said;
         return aim;
     }
-    if (!prompt->base || prompt->kind == KcEdPrompt::Kind::Corner)
+    if (aim.snap || !prompt->base || prompt->kind == KcEdPrompt::Kind::Corner)
         return aim;
     const KcGePoint3d base = *prompt->base;
     const KcGeVector3d way{ aim.point.x - base.x, aim.point.y - base.y, 0.0 };

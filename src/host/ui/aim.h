@@ -16,6 +16,3 @@ struct KcUiAim {
 /// @param pixel size of one in drawing units
 /// @param prompt what waits; null when nothing does, then nothing draws the cursor to itself
 KcUiAim kcuiAim(KcApDocument& document, const KcEdPrompt* prompt, KcGePoint2d world, double pixel);
-
-/// True for prompts that a click answers with a point.
-bool kcuiTakesPoint(KcEdPrompt::Kind kind);

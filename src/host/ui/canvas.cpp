@@ -3,12 +3,13 @@
 #include "ui/canvas.h"
 
 #include "ed/activity.h"
-#include "ed/grip_drag.h"
 #include "ed/grips.h"
+#include "ed/next_point.h"
 #include "ed/selection.h"
 #include "ui/palette.h"
 #include "ui/window_source.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -18,7 +19,6 @@ namespace {
 
 constexpr double kWheelStep = 1.2; // zoom of one notch
 constexpr int kDragPixels = 5; // a button that moves less was a click
-constexpr double kGripReach = 6.0; // pixels to each side of a grip
 constexpr int kFrameDelay = 15; // milliseconds; changes that follow one another closely cost one picture
 constexpr int kNotch = 120; // of a wheel, in the toolkit's units
 constexpr int kWheelPause = 700; // milliseconds; turns closer to each other are one change of the view
@@ -43,10 +43,14 @@ KcUiCanvas::KcUiCanvas(KcUiWindowSource& source, QWidget* parent)
     QObject::connect(&m_marksTimer, &QTimer::timeout, this, [this] { showMarks(); });
     kcedSetViewWindow(this);
     kcedSetPreviewHolder(&m_previewHolder);
+    m_source.onCursorAsked = [this](const KcEdPrompt& prompt) {
+        return m_document ? std::optional(aimAt(m_pixel, &prompt).point) : std::nullopt;
+    };
 }
 
 KcUiCanvas::~KcUiCanvas()
 {
+    m_source.onCursorAsked = {};
     setDocument(nullptr);
     if (kcedViewWindow() == this)
         kcedSetViewWindow(nullptr);
@@ -62,6 +66,7 @@ void KcUiCanvas::setDocument(KcApDocument* document)
         m_document->database().addListener(this);
     m_highlighted.clear();
     m_selected.clear();
+    m_hotGrips.clear();
     m_picture.setDatabase(m_document ? &m_document->database() : nullptr);
     regenerate();
 }
@@ -76,8 +81,12 @@ void KcUiCanvas::setPrompt(const KcEdPrompt* prompt)
         m_rectangleFrom.reset();
         m_dragging = false;
     }
-    if (m_document && m_document->pickFirst.ids() != m_selected)
+    if (prompt && prompt->kind == KcEdPrompt::Kind::Command && std::exchange(m_dragsGrips, false))
+        m_hotGrips.clear();
+    if (m_document && m_document->pickFirst.ids() != m_selected) {
+        m_hotGrips.clear();
         planMarks();
+    }
     // The new prompt may draw the cursor elsewhere, and a drag begins with what is under it. A command that
     // tracks the cursor hears of real moves only: it asks again after each.
     if (m_prompt && m_inside && m_prompt->kind != KcEdPrompt::Kind::Track)
@@ -221,15 +230,32 @@ bool KcUiCanvas::selects() const
         && (m_prompt->kind == KcEdPrompt::Kind::Selection || m_prompt->kind == KcEdPrompt::Kind::Command);
 }
 
+KcUiAim KcUiCanvas::aimAt(QPointF pixel, const KcEdPrompt* prompt) const
+{
+    const KcUiScreenMap shown = map();
+    return kcuiAim(*m_document, prompt, shown.toModel(pixel), 1.0 / shown.pixelsPerUnit());
+}
+
+KcGePoint3d KcUiCanvas::inUcs(QPointF pixel) const
+{
+    const KcGePoint2d world = map().toModel(pixel);
+    return m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
+}
+
+// After words about the next point its place is looked for once more from the cursor, and refused where there
+// is none.
+KcGePoint3d KcUiCanvas::clicked() const
+{
+    return kcedNextPoint().snaps ? inUcs(m_pixel) : m_aim.point;
+}
+
 void KcUiCanvas::moveCursor(QPointF pixel)
 {
     m_pixel = pixel;
     m_inside = rect().contains(pixel.toPoint());
     if (!m_document)
         return;
-    const KcUiScreenMap shown = map();
-    m_aim = kcuiAim(
-        *m_document, m_prompt ? &*m_prompt : nullptr, shown.toModel(pixel), 1.0 / shown.pixelsPerUnit());
+    m_aim = aimAt(pixel, m_prompt ? &*m_prompt : nullptr);
     if (m_prompt && m_source.waiting() && (m_prompt->kind == KcEdPrompt::Kind::Track || m_prompt->drag))
         m_source.push(KcEdMove{ m_aim.point });
     if (onCursor)
@@ -260,10 +286,33 @@ void KcUiCanvas::pan(QPointF to)
     kcedSetView(*m_document, map().panned(step), std::exchange(m_panned, true));
 }
 
+void KcUiCanvas::enterEvent(QEnterEvent* event)
+{
+    moveCursor(event->position());
+}
+
 void KcUiCanvas::leaveEvent(QEvent*)
 {
     m_inside = false;
+    if (QWidget* popup = QApplication::activePopupWidget()) {
+        popup->removeEventFilter(this);
+        popup->installEventFilter(this);
+    }
     QWidget::update();
+}
+
+bool KcUiCanvas::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Hide)
+        QTimer::singleShot(0, this, [this] { findCursor(); });
+    return QWidget::eventFilter(watched, event);
+}
+
+void KcUiCanvas::findCursor()
+{
+    const QPoint at = QCursor::pos();
+    if (!QApplication::activePopupWidget() && QApplication::widgetAt(at) == this)
+        moveCursor(mapFromGlobal(QPointF(at)));
 }
 
 void KcUiCanvas::mousePressEvent(QMouseEvent* event)
@@ -276,7 +325,10 @@ void KcUiCanvas::mousePressEvent(QMouseEvent* event)
         setCursor(Qt::ClosedHandCursor);
         QWidget::update();
     } else if (event->button() == Qt::RightButton) {
-        if (onEnter)
+        const bool wantsPoint = m_prompt && kcedTakesPoint(m_prompt->kind);
+        if (onSnapMenu && wantsPoint && event->modifiers() & Qt::ShiftModifier)
+            onSnapMenu(event->globalPosition().toPoint());
+        else if (onEnter)
             onEnter();
     } else if (event->button() == Qt::LeftButton) {
         press(event->position(), event->modifiers());
@@ -297,7 +349,7 @@ void KcUiCanvas::mouseReleaseEvent(QMouseEvent* event)
     if (const auto from = std::exchange(m_gripFrom, {}); from && m_prompt && m_prompt->drag
         && m_source.waiting() && (event->position() - *from).manhattanLength() > kDragPixels) {
         moveCursor(event->position());
-        m_source.push(KcEdClick{ m_aim.point });
+        m_source.push(KcEdClick{ clicked() });
         return;
     }
     if (!m_dragging)
@@ -337,29 +389,29 @@ void KcUiCanvas::press(QPointF pixel, Qt::KeyboardModifiers keys)
     }
     if (!m_prompt || !m_source.waiting())
         return;
-    if (kcuiTakesPoint(m_prompt->kind)) {
-        m_source.push(KcEdClick{ m_aim.point });
+    if (kcedTakesPoint(m_prompt->kind)) {
+        m_source.push(KcEdClick{ clicked() });
     } else if (m_prompt->kind == KcEdPrompt::Kind::Entity) {
         const KcDbObjectId id = entityUnder(pixel);
         m_source.push(KcEdGiven{ KcEdPick{ id.isNull() ? 0 : id.handle(), m_aim.point } });
     } else if (selects()) {
         if (m_rectangleFrom)
             return finishRectangle(pixel, keys & Qt::ShiftModifier);
-        if (m_prompt->kind == KcEdPrompt::Kind::Command && !keys && pressGrip(pixel))
+        if (m_prompt->kind == KcEdPrompt::Kind::Command && !(keys & ~Qt::ShiftModifier)
+            && pressGrip(pixel, keys & Qt::ShiftModifier))
             return;
         m_rectangleFrom = pixel;
         m_dragging = true;
     }
 }
 
-// Every grip that lies where the pressed one does goes with it: corners that meet stay together.
-bool KcUiCanvas::pressGrip(QPointF pixel)
+// Every grip that lies where the one does that the cursor reaches: corners that meet stay together.
+std::vector<KcEdGrip> KcUiCanvas::gripsUnder(QPointF pixel, KcGePoint3d& at) const
 {
-    if (!showsGrips())
-        return false;
-    const KcUiScreenMap shown = map();
-    std::optional<KcGePoint3d> from;
     std::vector<KcEdGrip> grips;
+    if (!showsGrips())
+        return grips;
+    const KcUiScreenMap shown = map();
     for (const KcDbObjectId id : m_document->pickFirst.ids()) {
         const KcDbRead<KcDbEntity> entity(id);
         if (!entity)
@@ -367,18 +419,40 @@ bool KcUiCanvas::pressGrip(QPointF pixel)
         const std::vector<KcGePoint3d> points = kcedGripPoints(*entity);
         for (size_t i = 0; i < points.size(); ++i) {
             const QPointF off = shown.toPixel({ points[i].x, points[i].y }) - pixel;
-            if (!from && std::max(std::abs(off.x()), std::abs(off.y())) <= kGripReach)
-                from = points[i];
-            if (from && points[i].isEqualTo(*from))
-                grips.push_back({ id, i });
+            if (grips.empty() && std::max(std::abs(off.x()), std::abs(off.y())) <= kcuiGripReach)
+                at = points[i];
+            else if (grips.empty() || !points[i].isEqualTo(at))
+                continue;
+            grips.push_back({ id, i });
         }
     }
-    if (!from)
+    return grips;
+}
+
+// Those collected with Shift go along when one of them is taken.
+bool KcUiCanvas::pressGrip(QPointF pixel, bool collects)
+{
+    KcGePoint3d from;
+    const std::vector<KcEdGrip> grips = gripsUnder(pixel, from);
+    if (grips.empty())
         return false;
+    const auto hot = std::find(m_hotGrips.begin(), m_hotGrips.end(), grips.front());
+    if (collects) {
+        const bool takesOut = hot != m_hotGrips.end();
+        for (const KcEdGrip& grip : grips)
+            std::erase(m_hotGrips, grip);
+        if (!takesOut)
+            m_hotGrips.insert(m_hotGrips.end(), grips.begin(), grips.end());
+        QWidget::update();
+        return true;
+    }
+    if (hot == m_hotGrips.end())
+        m_hotGrips = grips;
     m_gripFrom = pixel;
-    return kcedRequest(KcEdWish::Change, [document = m_document, grips, from = *from] {
+    m_dragsGrips = true;
+    return kcedRequest(KcEdWish::Change, [document = m_document, held = m_hotGrips, from] {
         if (document == kcDocManagerPtr()->curDocument())
-            kcedDragGrips(*document, grips, from);
+            kcedDragGrips(*document, held, from);
     });
 }
 
@@ -403,10 +477,7 @@ bool KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
 
 KcDbObjectId KcUiCanvas::entityUnder(QPointF pixel)
 {
-    const KcGePoint2d world = map().toModel(pixel);
-    const KcGePoint3d point
-        = m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
-    m_under = kcedEntitiesAt(point);
+    m_under = kcedEntitiesAt(inUcs(pixel));
     m_underAt = 0;
     return m_under.empty() ? KcDbObjectId() : m_under.front();
 }
@@ -416,10 +487,6 @@ void KcUiCanvas::finishRectangle(QPointF pixel, bool removes)
     const QPointF from = *m_rectangleFrom;
     m_rectangleFrom.reset();
     m_dragging = false;
-    const auto inUcs = [&](QPointF corner) {
-        const KcGePoint2d world = map().toModel(corner);
-        return m_document->database().ucsToWorld().inverse() * KcGePoint3d{ world.x, world.y, 0.0 };
-    };
     if (std::exchange(m_zoomsWindow, false)) {
         const KcGePoint2d a = map().toModel(from), b = map().toModel(pixel);
         KcGeExtents3d box;
@@ -430,9 +497,20 @@ void KcUiCanvas::finishRectangle(QPointF pixel, bool removes)
         return;
     }
     // To the right: what lies inside; to the left: what it touches as well.
-    const auto mode
-        = pixel.x() >= from.x() ? KcEdSelectionLine::Mode::Window : KcEdSelectionLine::Mode::Crossing;
-    answerSelection({ mode, removes, { inUcs(from), inUcs(pixel) }, {} });
+    using Mode = KcEdSelectionLine::Mode;
+    const bool crosses = pixel.x() < from.x();
+    const KcGeVector3d axis = m_document->database().ucsToWorld() * KcGeVector3d::kXAxis;
+    if (axis.isEqualTo(KcGeVector3d::kXAxis)) {
+        answerSelection(
+            { crosses ? Mode::Crossing : Mode::Window, removes, { inUcs(from), inUcs(pixel) }, {} });
+    } else {
+        // What was drawn on the screen is no rectangle along axes that are turned.
+        const QPointF across(pixel.x(), from.y()), up(from.x(), pixel.y());
+        answerSelection({ crosses ? Mode::CrossingPolygon : Mode::WindowPolygon,
+                          removes,
+                          { inUcs(from), inUcs(across), inUcs(pixel), inUcs(up) },
+                          {} });
+    }
     QWidget::update();
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ed/documents.h"
+#include "ed/grip_drag.h"
 #include "ed/jig.h"
 #include "ui/aim.h"
 #include "ui/picture.h"
@@ -32,8 +33,10 @@ public:
     std::function<void(QKeyEvent*)> onKey;
     /// Where the cursor is, in user coordinates.
     std::function<void(KcGePoint3d)> onCursor;
-    /// The right button, where it does not drag.
+    /// The right button.
     std::function<void()> onEnter;
+    /// The right button with Shift while a point is wanted; where on the screen.
+    std::function<void(QPoint)> onSnapMenu;
 
     void zoom(double factor);
     void zoomExtents();
@@ -65,7 +68,9 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
@@ -77,17 +82,24 @@ private:
     void showMarks();
     void pan(QPointF to);
     void moveCursor(QPointF pixel);
+    /// Looks where the mouse is, of which no event tells when a menu over the drawing area has closed.
+    void findCursor();
+    KcUiAim aimAt(QPointF pixel, const KcEdPrompt* prompt) const;
+    KcGePoint3d inUcs(QPointF pixel) const;
+    KcGePoint3d clicked() const;
     bool selects() const;
     void press(QPointF pixel, Qt::KeyboardModifiers keys);
     void finishRectangle(QPointF pixel, bool removes);
     void answerSelection(KcEdSelectionLine line);
     KcDbObjectId entityUnder(QPointF pixel);
-    bool pressGrip(QPointF pixel);
+    std::vector<KcEdGrip> gripsUnder(QPointF pixel, KcGePoint3d& at) const;
+    bool pressGrip(QPointF pixel, bool collects);
     /// False when nothing lies there.
     bool pickUnder(QPointF pixel, Qt::KeyboardModifiers keys);
 
     void drawCursor(QPainter& painter);
     void drawSnap(QPainter& painter);
+    void drawNote(QPainter& painter, QPointF at, const QString& words);
     void drawRubberBand(QPainter& painter);
     void drawSelectionRectangle(QPainter& painter);
     void drawGrips(QPainter& painter);
@@ -123,6 +135,8 @@ private:
     std::optional<QPointF> m_rectangleFrom; ///< first corner of a selection rectangle
     bool m_zoomsWindow = false; ///< the rectangle is no selection but the next view
     std::optional<QPointF> m_gripFrom; ///< where a grip was pressed, while the button is down
+    std::vector<KcEdGrip> m_hotGrips; ///< go together when one of them is dragged
+    bool m_dragsGrips = false; ///< the hot ones are dragged
     bool m_dragging = false; ///< the button is still down since the first corner
     std::vector<KcDbObjectId> m_under; ///< what lay under the cursor at the last pick, and
     size_t m_underAt = 0; ///< which of it was taken

@@ -1,6 +1,7 @@
 // What lies over the picture of the drawing: cursor, rubber band, selection rectangle, grips, axes.
 
 #include "ed/grips.h"
+#include "ed/next_point.h"
 #include "ed/selection.h"
 #include "ed/system_variables.h"
 #include "ui/canvas.h"
@@ -19,23 +20,23 @@ constexpr int kAxisPixels = 44, kAxisCorner = 18;
 const KcUiPalette& kcuiPalette(bool dark)
 {
     static const KcUiPalette darkColors{
-        QColor(33, 40, 48),      QColor(230, 230, 230), QColor(230, 230, 230),
-        QColor(70, 150, 255),    QColor(255, 170, 60),  QColor(60, 120, 255, 60),
-        QColor(60, 220, 90, 60), QColor(255, 200, 60),  QColor(60, 230, 120),
+        QColor(33, 40, 48),   QColor(230, 230, 230),    QColor(230, 230, 230),   QColor(70, 150, 255),
+        QColor(255, 170, 60), QColor(60, 120, 255, 60), QColor(60, 220, 90, 60), QColor(255, 200, 60),
+        QColor(60, 230, 120), QColor(230, 50, 40),      QColor(250, 140, 160),
     };
     static const KcUiPalette lightColors{
-        QColor(255, 255, 255),  QColor(20, 20, 20),  QColor(20, 20, 20),
-        QColor(0, 90, 220),     QColor(220, 100, 0), QColor(0, 60, 255, 45),
-        QColor(0, 150, 30, 45), QColor(200, 110, 0), QColor(0, 150, 60),
+        QColor(255, 255, 255), QColor(20, 20, 20),     QColor(20, 20, 20),     QColor(0, 90, 220),
+        QColor(220, 100, 0),   QColor(0, 60, 255, 45), QColor(0, 150, 30, 45), QColor(200, 110, 0),
+        QColor(0, 150, 60),    QColor(210, 20, 20),    QColor(240, 110, 140),
     };
     return dark ? darkColors : lightColors;
 }
 
-// While nothing runs; a command that asks has a selection of its own.
+// While nothing runs but a drag by them; a command that asks has a selection of its own.
 bool KcUiCanvas::showsGrips() const
 {
     return m_document && m_document->pickFirst.size() <= kMostGrips && m_prompt
-        && m_prompt->kind == KcEdPrompt::Kind::Command;
+        && (m_prompt->kind == KcEdPrompt::Kind::Command || m_dragsGrips);
 }
 
 void KcUiCanvas::drawGrips(QPainter& painter)
@@ -43,15 +44,21 @@ void KcUiCanvas::drawGrips(QPainter& painter)
     if (!showsGrips())
         return;
     painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setPen(kcuiPalette(m_dark).background);
-    painter.setBrush(kcuiPalette(m_dark).grip);
+    const KcUiPalette& colors = kcuiPalette(m_dark);
+    painter.setPen(colors.background);
     const KcUiScreenMap shown = map();
     for (const KcDbObjectId id : m_document->pickFirst.ids()) {
         const KcDbRead<KcDbEntity> entity(id);
         if (!entity)
             continue;
-        for (const KcGePoint3d& p : kcedGripPoints(*entity)) {
-            const QPointF at = shown.toPixel({ p.x, p.y });
+        const std::vector<KcGePoint3d> points = kcedGripPoints(*entity);
+        for (size_t i = 0; i < points.size(); ++i) {
+            const QPointF at = shown.toPixel({ points[i].x, points[i].y }), off = at - m_pixel;
+            const bool hot
+                = std::find(m_hotGrips.begin(), m_hotGrips.end(), KcEdGrip{ id, i }) != m_hotGrips.end();
+            const bool reached = m_inside && !m_dragsGrips
+                && std::max(std::abs(off.x()), std::abs(off.y())) <= kcuiGripReach;
+            painter.setBrush(hot ? colors.hotGrip : reached ? colors.reachedGrip : colors.grip);
             painter.drawRect(
                 QRectF(at.x() - kGripPixels, at.y() - kGripPixels, 2 * kGripPixels, 2 * kGripPixels));
         }
@@ -78,7 +85,7 @@ void KcUiCanvas::drawRubberBand(QPainter& painter)
         const QString words = QStringLiteral("%1 < %2°")
                                   .arg(m_aim.point.distanceTo(*m_prompt->base), 0, 'f', 2)
                                   .arg(std::fmod(*m_aim.track * 180.0 / kPi + 360.0, 360.0), 0, 'f', 0);
-        painter.drawText(pixelOf(m_aim.point) + QPointF(14, 22), words);
+        drawNote(painter, pixelOf(m_aim.point) + QPointF(14, 26), words);
     }
     painter.setPen(QPen(colors.band, 1, Qt::DashLine));
     painter.setBrush(Qt::NoBrush);
@@ -87,7 +94,7 @@ void KcUiCanvas::drawRubberBand(QPainter& painter)
         const QPointF corners[]
             = { pixelOf(a), pixelOf({ b.x, a.y, a.z }), pixelOf(b), pixelOf({ a.x, b.y, a.z }) };
         painter.drawPolygon(corners, 4);
-    } else if (kcuiTakesPoint(m_prompt->kind)) {
+    } else if (kcedTakesPoint(m_prompt->kind)) {
         painter.drawLine(pixelOf(*m_prompt->base), pixelOf(m_aim.point));
     }
 }
@@ -111,7 +118,11 @@ void KcUiCanvas::drawCursor(QPainter& painter)
     if (!m_inside || m_panFrom)
         return;
     const KcUiPalette& colors = kcuiPalette(m_dark);
-    painter.setRenderHint(QPainter::Antialiasing, false);
+    // Along the axes of the user coordinate system, which ortho and windows go by.
+    const KcGeVector3d axis
+        = m_document ? m_document->database().ucsToWorld() * KcGeVector3d::kXAxis : KcGeVector3d::kXAxis;
+    const double turn = -std::atan2(axis.y, axis.x) * 180.0 / kPi;
+    painter.setRenderHint(QPainter::Antialiasing, turn != 0.0); // exact: turned at all
     painter.setPen(colors.cursor);
     painter.setBrush(Qt::NoBrush);
     const QPointF at(std::floor(m_pixel.x()) + 0.5, std::floor(m_pixel.y()) + 0.5);
@@ -120,12 +131,14 @@ void KcUiCanvas::drawCursor(QPainter& painter)
     const bool crosses = !m_prompt || m_prompt->kind == KcEdPrompt::Kind::Command || !picks;
     // Horizontal and vertical arms stop at the pick box, so that what is picked can be seen.
     const double gap = picks ? box : 0.0;
-    if (crosses) {
-        painter.drawLine(QPointF(0, at.y()), QPointF(at.x() - gap, at.y()));
-        painter.drawLine(QPointF(at.x() + gap, at.y()), QPointF(width(), at.y()));
-        painter.drawLine(QPointF(at.x(), 0), QPointF(at.x(), at.y() - gap));
-        painter.drawLine(QPointF(at.x(), at.y() + gap), QPointF(at.x(), height()));
-    }
+    const double far = width() + height();
+    painter.save();
+    painter.translate(at);
+    painter.rotate(turn);
+    if (crosses)
+        for (const QPointF way : { QPointF(1, 0), QPointF(-1, 0), QPointF(0, 1), QPointF(0, -1) })
+            painter.drawLine(way * gap, way * far);
+    painter.restore();
     if (picks)
         painter.drawRect(QRectF(at.x() - box, at.y() - box, 2 * box, 2 * box));
 }
@@ -133,8 +146,14 @@ void KcUiCanvas::drawCursor(QPainter& painter)
 // One sign for each kind of point, as draughtsmen know them.
 void KcUiCanvas::drawSnap(QPainter& painter)
 {
-    if (!m_aim.snap || !m_inside || m_panFrom)
+    if (!m_inside || m_panFrom)
         return;
+    if (!m_aim.snap) {
+        // What was said for the next point is not here.
+        if (const auto said = kcedNextPoint().snaps; said && m_prompt && kcedTakesPoint(m_prompt->kind))
+            drawNote(painter, m_pixel + QPointF(14, -12), kcedSnapModesInWords(*said) + QStringLiteral("?"));
+        return;
+    }
     const KcGePoint3d p = m_aim.snap->point;
     const QPointF at = map().toPixel({ p.x, p.y });
     constexpr double r = 6.0;
@@ -150,37 +169,29 @@ void KcUiCanvas::drawSnap(QPainter& painter)
     const auto line = [&](double x1, double y1, double x2, double y2) {
         painter.drawLine(at + QPointF(x1, y1) * r, at + QPointF(x2, y2) * r);
     };
-    const char* name = "";
     switch (m_aim.snap->mode) {
     case kcedSnapEnd:
-        name = "Endpoint";
         polygon({ { -1, -1 }, { 1, -1 }, { 1, 1 }, { -1, 1 } });
         break;
     case kcedSnapMiddle:
-        name = "Midpoint";
         polygon({ { 0, -1 }, { 1, 1 }, { -1, 1 } });
         break;
     case kcedSnapCenter:
-        name = "Centre";
         painter.drawEllipse(at, r, r);
         break;
     case kcedSnapNode:
-        name = "Node";
         painter.drawEllipse(at, r, r);
         line(-1, -1, 1, 1);
         line(-1, 1, 1, -1);
         break;
     case kcedSnapQuadrant:
-        name = "Quadrant";
         polygon({ { 0, -1.2 }, { 1.2, 0 }, { 0, 1.2 }, { -1.2, 0 } });
         break;
     case kcedSnapIntersection:
-        name = "Intersection";
         line(-1, -1, 1, 1);
         line(-1, 1, 1, -1);
         break;
     case kcedSnapInsertion:
-        name = "Insertion";
         polygon({ { -1, -1 },
                   { 0.2, -1 },
                   { 0.2, -0.2 },
@@ -191,25 +202,41 @@ void KcUiCanvas::drawSnap(QPainter& painter)
                   { -1, 0.2 } });
         break;
     case kcedSnapPerpendicular:
-        name = "Perpendicular";
         line(-1, -1, -1, 1);
         line(-1, 1, 1, 1);
         line(-1, 0, 0, 0);
         line(0, 0, 0, 1);
         break;
     case kcedSnapTangent:
-        name = "Tangent";
         painter.drawEllipse(at, r * 0.8, r * 0.8);
         line(-1.2, -1, 1.2, -1);
         break;
     case kcedSnapNearest:
-        name = "Nearest";
         polygon({ { -1, -1 }, { 1, -1 }, { -1, 1 }, { 1, 1 } });
         break;
     default:
         break;
     }
-    painter.drawText(at + QPointF(14, -12), QLatin1String(name));
+    drawNote(painter, at + QPointF(14, -12), kcedSnapModesInWords(m_aim.snap->mode));
+}
+
+// Words beside the cursor, on a ground that keeps them apart from the drawing.
+void KcUiCanvas::drawNote(QPainter& painter, QPointF at, const QString& words)
+{
+    const KcUiPalette& colors = kcuiPalette(m_dark);
+    QRectF box = painter.fontMetrics().boundingRect(words).adjusted(-4, -2, 4, 2);
+    box.translate(at);
+    // Not beyond the rim.
+    const QPointF back(std::min(0.0, width() - 2 - box.right()), std::max(0.0, 2 - box.top()));
+    box.translate(back);
+    QColor ground = colors.background;
+    ground.setAlpha(210);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawRect(box);
+    painter.setPen(colors.snap);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawText(at + back, words);
 }
 
 void KcUiCanvas::drawAxes(QPainter& painter)
@@ -218,12 +245,16 @@ void KcUiCanvas::drawAxes(QPainter& painter)
         return;
     const KcUiPalette& colors = kcuiPalette(m_dark);
     const KcGeMatrix3d ucs = m_document->database().ucsToWorld();
-    const QPointF origin(kAxisCorner, height() - kAxisCorner);
-    painter.setPen(QPen(colors.text, 1.5));
     const struct {
         KcGeVector3d axis;
         const char* name;
     } axes[] = { { { 1, 0, 0 }, "X" }, { { 0, 1, 0 }, "Y" } };
+    // In the corner, as far in as arms that point to the left or down need.
+    const KcGeVector3d x = ucs * axes[0].axis, y = ucs * axes[1].axis;
+    const QPointF origin(
+        kAxisCorner + kAxisPixels * std::max({ 0.0, -x.x, -y.x }),
+        height() - kAxisCorner - kAxisPixels * std::max({ 0.0, -x.y, -y.y }));
+    painter.setPen(QPen(colors.text, 1.5));
     for (const auto& [axis, name] : axes) {
         const KcGeVector3d direction = ucs * axis;
         if (!(std::hypot(direction.x, direction.y) > KcGeContext::gTol.equalVector))

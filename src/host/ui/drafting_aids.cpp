@@ -126,6 +126,18 @@ void KcUiDraftingAids::addTo(QMenu& menu)
     QObject::connect(&menu, &QMenu::aboutToShow, this, [this] { refresh(); });
 }
 
+void KcUiDraftingAids::addWords(QMenu& menu, std::function<void(const QString&)> say)
+{
+    const auto add = [&](const QString& text, int mode) {
+        QObject::connect(
+            menu.addAction(text), &QAction::triggered, &menu, [say, mode] { say(kcedSnapModeNames(mode)); });
+    };
+    for (const auto& [mode, text] : kModes)
+        add(QLatin1String(text), mode);
+    menu.addSeparator();
+    add(QStringLiteral("No &snap"), 0);
+}
+
 void KcUiDraftingAids::setSnapModes(int modes)
 {
     set("OSMODE", modes);

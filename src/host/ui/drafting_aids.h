@@ -22,6 +22,8 @@ public:
     QAction* polar() const { return m_polar; }
     /// Adds the modes of the object snaps and the steps of the tracking lines to a menu.
     void addTo(QMenu& menu);
+    /// Fills a menu with the snaps that may be said for the next point only; `say` gets the word.
+    static void addWords(QMenu& menu, std::function<void(const QString&)> say);
     /// Told when something was switched.
     std::function<void()> onChanged;
 

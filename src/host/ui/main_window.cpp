@@ -72,6 +72,13 @@ KcUiMainWindow::KcUiMainWindow()
 
     m_canvas->onKey = [this](QKeyEvent* event) { m_commandLine->type(event); };
     m_canvas->onEnter = [this] { m_commandLine->enter(); };
+    m_canvas->onSnapMenu = [this](QPoint at) {
+        auto* menu = new QMenu(this);
+        menu->setObjectName(QStringLiteral("snapMenu"));
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        KcUiDraftingAids::addWords(*menu, [this](const QString& word) { m_source.pushLine(word); });
+        menu->popup(at);
+    };
     m_canvas->onCursor = [this](KcGePoint3d p) {
         m_coordinates->setText(QStringLiteral("%1, %2").arg(p.x, 0, 'f', 3).arg(p.y, 0, 'f', 3));
     };

@@ -12,6 +12,8 @@ public:
     std::function<void(const KcEdPrompt*)> onWaiting;
     /// Told why a line was not taken.
     std::function<void(const QString&)> onRefused;
+    /// Where the cursor stands at a prompt.
+    std::function<std::optional<KcGePoint3d>(const KcEdPrompt&)> onCursorAsked;
 
     /// Something the user did. Escape forgets what was done before it and not taken yet.
     void push(KcEdEvent event);
@@ -32,6 +34,10 @@ public:
     void refused(const KcEdLine& line, const QString& reason) override;
     void interrupt(KcEdEvent event) override;
     bool drivesDialogs() const override { return false; }
+    std::optional<KcGePoint3d> cursor(const KcEdPrompt& prompt) const override
+    {
+        return onCursorAsked ? onCursorAsked(prompt) : std::nullopt;
+    }
 
 protected:
     KcEdEvent read(const KcEdPrompt& prompt) override;
