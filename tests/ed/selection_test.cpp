@@ -38,6 +38,31 @@ std::unique_ptr<KcDbPolyline> polyline(std::initializer_list<KcGePoint2d> points
 
 } // namespace
 
+// Faults: a word alone that selects nothing or keeps removing, a cancelled corner that leaves half a
+// selection.
+TEST(Selection, AWordAloneAsksForItsPoints)
+{
+    Session s;
+    const KcDbObjectId a = s.addLine(0, 0, 10, 0), b = s.addLine(0, 20, 10, 20), c = s.addLine(0, 40, 10, 40);
+    KcEdSelectionSet set;
+    KcEdStatus status = kcedNone;
+    const auto select = [&] { status = kcedSSGet({}, nullptr, nullptr, {}, set); };
+    EXPECT_EQ(
+        s.run(
+            select,
+            { "window", "-1,-1", "@20,30", "f", "5,10", "5,30", "5,50", "", "r", "5,20", "a", "C", "-1,-1",
+              "1,1", "" }),
+        0)
+        << qPrintable(s.errors);
+    EXPECT_EQ(set.ids(), (std::vector<KcDbObjectId>{ a, c }));
+    EXPECT_TRUE(s.printed.contains("Remove objects:"));
+    s.run(select, { "ALL", "W", "1,1", "^C" });
+    EXPECT_EQ(status, kcedCancel);
+    // And before a command.
+    s.run({ "WP", "-1,15", "20,15", "20,50", "-1,50", "" });
+    EXPECT_EQ(s.document.pickFirst.ids(), (std::vector<KcDbObjectId>{ b, c }));
+}
+
 // A circle of radius 10 about 50,50: boxes alone would answer several of these wrongly.
 TEST(Selection, ModesOnACircle)
 {
@@ -96,8 +121,8 @@ TEST(Selection, BlockReferencesByWhatTheyDraw)
     EXPECT_EQ(selected(s, "W 79,99 101,121"), 1u);
 }
 
-// Picked closely, a large curve must not be missed for the chords that once stood for it: a thousand of them leave
-// a circle of 1,000,000 by 5 units. Survey coordinates take nothing away.
+// Picked closely, a large curve must not be missed for the chords that once stood for it: a thousand of them
+// leave a circle of 1,000,000 by 5 units. Survey coordinates take nothing away.
 TEST(Selection, LargeCurvesArePickedWhereTheyAre)
 {
     for (const double far : { 0.0, 5e8 }) {
@@ -117,7 +142,8 @@ TEST(Selection, LargeCurvesArePickedWhereTheyAre)
         auto spline = std::make_unique<KcDbSpline>();
         spline->data().degree = 2;
         spline->data().knots = { 0, 0, 0, 1, 1, 1 };
-        for (const KcGeVector3d p : { KcGeVector3d{ 0, 0, 0 }, { radius, 2 * radius, 0 }, { 2 * radius, 0, 0 } })
+        for (const KcGeVector3d p :
+             { KcGeVector3d{ 0, 0, 0 }, { radius, 2 * radius, 0 }, { 2 * radius, 0, 0 } })
             spline->data().controlPoints.push_back(center + p);
 
         struct {
@@ -126,9 +152,11 @@ TEST(Selection, LargeCurvesArePickedWhereTheyAre)
             KcGePoint3d on;
             KcGeVector3d outwards;
         } rows[] = {
-            { "circle", std::make_unique<KcDbCircle>(center, radius), center + direction * radius, direction },
+            { "circle", std::make_unique<KcDbCircle>(center, radius), center + direction * radius,
+              direction },
             { "arc of a polyline", std::move(arc), center + direction * radius, direction },
-            { "ellipse", std::move(ellipse), center + KcGeVector3d{ direction.x, 0.5 * direction.y, 0 } * radius,
+            { "ellipse", std::move(ellipse),
+              center + KcGeVector3d{ direction.x, 0.5 * direction.y, 0 } * radius,
               KcGeVector3d{ direction.x, 2 * direction.y, 0 }.normal() },
             // At t: (2t, 4t(1 - t)) times the size; its slope at 0.3 is 0.8.
             { "spline", std::move(spline), center + KcGeVector3d{ 0.6, 0.84, 0 } * radius,

@@ -191,11 +191,13 @@ kcedParseSelectionLine(const QString& line, KcGePoint3d lastPoint)
     if (words.isEmpty())
         return KcEdEnter();
     KcEdSelectionLine result;
-    if (words.first().compare(QLatin1String("R"), Qt::CaseInsensitive) == 0) {
+    const auto isWord = [&](const char* brief, const char* full) {
+        return words.first().compare(QLatin1String(brief), Qt::CaseInsensitive) == 0
+            || words.first().compare(QLatin1String(full), Qt::CaseInsensitive) == 0;
+    };
+    if (words.size() > 1 && isWord("R", "REMOVE")) {
         result.removes = true;
         words.removeFirst();
-        if (words.isEmpty())
-            return refuse(QStringLiteral("R is followed by what it removes, such as R #2F."));
     }
 
     if (words.first().startsWith(QLatin1Char('#'))) {
@@ -219,22 +221,24 @@ kcedParseSelectionLine(const QString& line, KcGePoint3d lastPoint)
     }
 
     struct Row {
-        const char* word;
+        const char *word, *full;
         Mode mode;
         int least, most;
     };
     static constexpr Row rows[] = {
-        { "ALL", Mode::All, 0, 0 },
-        { "W", Mode::Window, 2, 2 },
-        { "C", Mode::Crossing, 2, 2 },
-        { "F", Mode::Fence, 2, 1 << 20 },
-        { "WP", Mode::WindowPolygon, 3, 1 << 20 },
-        { "CP", Mode::CrossingPolygon, 3, 1 << 20 },
-        { "L", Mode::Last, 0, 0 },
-        { "P", Mode::Previous, 0, 0 },
+        { "ALL", "ALL", Mode::All, 0, 0 },
+        { "W", "WINDOW", Mode::Window, 2, 2 },
+        { "C", "CROSSING", Mode::Crossing, 2, 2 },
+        { "F", "FENCE", Mode::Fence, 2, 1 << 20 },
+        { "WP", "WPOLYGON", Mode::WindowPolygon, 3, 1 << 20 },
+        { "CP", "CPOLYGON", Mode::CrossingPolygon, 3, 1 << 20 },
+        { "L", "LAST", Mode::Last, 0, 0 },
+        { "P", "PREVIOUS", Mode::Previous, 0, 0 },
+        { "A", "ADD", Mode::Add, 0, 0 },
+        { "R", "REMOVE", Mode::Remove, 0, 0 },
     };
     for (const Row& row : rows) {
-        if (words.first().compare(QLatin1String(row.word), Qt::CaseInsensitive) != 0)
+        if (!isWord(row.word, row.full))
             continue;
         result.mode = row.mode;
         for (qsizetype i = 1; i < words.size(); ++i) {
@@ -245,7 +249,7 @@ kcedParseSelectionLine(const QString& line, KcGePoint3d lastPoint)
             result.points.push_back(*point);
         }
         const int count = int(result.points.size());
-        if (count < row.least || count > row.most) {
+        if (count > 0 && (count < row.least || count > row.most)) {
             if (row.most == 0)
                 return refuse(QStringLiteral("%1 stands alone.").arg(QLatin1String(row.word)));
             return refuse(QStringLiteral("%1 is followed by %2%3 points.")

@@ -38,11 +38,15 @@ struct KcEdSelectionLine {
         Last,
         Previous,
         Handles,
-        Point
+        Point,
+        Add, ///< what follows adds again
+        Remove ///< what follows removes
     };
     Mode mode = Mode::All;
     bool removes = false;
-    std::vector<KcGePoint3d> points; ///< user coordinates; a window's two corners
+    /// User coordinates; a window's two corners. None after the word of a window, fence or polygon alone,
+    /// which is for asking then.
+    std::vector<KcGePoint3d> points;
     std::vector<KcDbHandle> handles;
 };
 

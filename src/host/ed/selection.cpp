@@ -3,6 +3,7 @@
 #include "ed/selection.h"
 
 #include "db/block_table_record.h"
+#include "db/curves.h"
 #include "db/database.h"
 #include "db/spatial_index.h"
 #include "db/symbol_table.h"
@@ -57,7 +58,7 @@ Ids inRegion(const KcDbDatabase& database, const KcEdPickRegion& region, const K
     const double size = std::max(region.box().width(), region.box().height());
     KcEdPickGeometry geometry(std::max(size / kTolerancesInWindow, KcGeContext::gTol.equalPoint));
     Ids ids;
-    const KcGeExtents2d box { region.box().min.plan(), region.box().max.plan() };
+    const KcGeExtents2d box{ region.box().min.plan(), region.box().max.plan() };
     for (const KcDbObjectId id : database.spatialIndex().crossing(database.currentSpace(), box)) {
         const KcDbRead<KcDbEntity> entity(id);
         if (entity && geometry.isVisible(*entity) && filter.passes(*entity)
@@ -172,6 +173,9 @@ Found evaluate(KcApDocument& document, const KcEdSelectionLine& line, const KcEd
         const KcDbObjectId id = kcedEntityAt(line.points[0]);
         return { id.isNull() ? Ids() : passing({ id }, filter), {} };
     }
+    case Mode::Add:
+    case Mode::Remove:
+        break;
     }
     return {};
 }
@@ -183,6 +187,8 @@ QString apply(
     Found found = evaluate(document, line, filter);
     if (!found.refusal.isEmpty())
         return found.refusal;
+    if (line.mode == Mode::Add || line.mode == Mode::Remove)
+        return {};
     if (line.removes) {
         const size_t removed = set.remove(found.ids);
         kcedSay(QStringLiteral("%1 removed, %2 total").arg(removed).arg(set.size()));
@@ -247,6 +253,52 @@ bool hasEnoughPoints(const KcEdSelectionLine& line)
         return line.points.size() >= 3;
     default:
         return true;
+    }
+}
+
+/// The way over points, and back to the first where it is closed: what a fence or polygon looks like.
+KcEdPreview pathPreview(const KcDbDatabase& database, std::vector<KcGePoint3d> points, bool closes)
+{
+    if (closes)
+        points.push_back(points.front());
+    KcEdPreview preview;
+    const KcGeMatrix3d ucs = database.ucsToWorld();
+    for (size_t i = 1; i < points.size(); ++i)
+        preview.push_back(std::make_unique<KcDbLine>(ucs * points[i - 1], ucs * points[i]));
+    return preview;
+}
+
+/// Asks for the points of a window, fence or polygon of which the word alone was typed. False: cancelled.
+bool askPoints(const KcDbDatabase& database, KcEdSelectionLine& line)
+{
+    std::vector<KcGePoint3d>& points = line.points;
+    KcGePoint3d point;
+    kcedInitGet(KcEdPrompt::kNoEmpty);
+    if (line.mode == Mode::Window || line.mode == Mode::Crossing) {
+        if (kcedGetPoint(nullptr, QStringLiteral("\nSpecify first corner: "), point) != kcedNormal)
+            return false;
+        points.push_back(point);
+        kcedInitGet(KcEdPrompt::kNoEmpty);
+        if (kcedGetCorner(points.front(), QStringLiteral("\nSpecify opposite corner: "), point) != kcedNormal)
+            return false;
+        points.push_back(point);
+        return true;
+    }
+    if (kcedGetPoint(nullptr, QStringLiteral("\nSpecify first point: "), point) != kcedNormal)
+        return false;
+    for (;;) {
+        points.push_back(point);
+        const bool enough = hasEnoughPoints(line);
+        kcedInitGet(enough ? 0 : KcEdPrompt::kNoEmpty);
+        kcedInitPreview([&](KcGePoint3d cursor) {
+            std::vector<KcGePoint3d> path = points;
+            path.push_back(cursor);
+            return pathPreview(database, path, line.mode != Mode::Fence);
+        });
+        const KcEdStatus status
+            = kcedGetPoint(&points.back(), QStringLiteral("\nSpecify next point: "), point);
+        if (status != kcedNormal)
+            return status == kcedNone;
     }
 }
 
@@ -315,14 +367,27 @@ KcEdSelectionAnswer kcedSelect(const KcEdSelectionRequest& request)
 
     KcEdPrompt prompt = request.prompt;
     prompt.kind = KcEdPrompt::Kind::Selection;
+    bool removes = false;
+    const auto take = [&](KcEdSelectionLine line) {
+        line.removes |= removes;
+        return apply(*document, line, filter, answer.set);
+    };
     prompt.check = [&](const KcEdAnswer& typed) {
         const auto* line = std::get_if<KcEdSelectionLine>(&typed);
-        return line ? apply(*document, *line, filter, answer.set) : QString();
+        return line && hasEnoughPoints(*line) ? take(*line) : QString();
     };
     KcEdMarks marks;
     for (;;) {
-        const KcEdAnswer typed = KcEdEditor::instance().ask(prompt);
-        if (std::holds_alternative<KcEdSelectionLine>(typed)) {
+        KcEdAnswer typed = KcEdEditor::instance().ask(prompt);
+        if (auto* line = std::get_if<KcEdSelectionLine>(&typed)) {
+            if (line->mode == Mode::Add || line->mode == Mode::Remove) {
+                removes = line->mode == Mode::Remove;
+                prompt.text = removes ? QStringLiteral("\nRemove objects: ") : request.prompt.text;
+            } else if (!hasEnoughPoints(*line)) {
+                if (!askPoints(document->database(), *line))
+                    return {};
+                take(*line);
+            }
             marks.show(answer.set.ids());
             continue;
         }
@@ -456,5 +521,10 @@ QString kcedSelectBeforeCommand(const KcEdSelectionLine& line)
     KcApDocument* document = kcDocManagerPtr()->curDocument();
     if (!document)
         return QStringLiteral("No drawing is open.");
-    return apply(*document, line, KcEdCompiledFilter({}), document->pickFirst);
+    if (line.mode == KcEdSelectionLine::Mode::Add || line.mode == KcEdSelectionLine::Mode::Remove)
+        return QStringLiteral("ADD and REMOVE stand at a prompt for objects.");
+    KcEdSelectionLine whole = line;
+    if (!hasEnoughPoints(whole) && !askPoints(document->database(), whole))
+        return {};
+    return apply(*document, whole, KcEdCompiledFilter({}), document->pickFirst);
 }

@@ -3,8 +3,10 @@
 #include "ui/canvas.h"
 
 #include "ed/activity.h"
+#include "ed/console.h"
 #include "ed/grips.h"
 #include "ed/next_point.h"
+#include "ed/property_names.h"
 #include "ed/selection.h"
 #include "ui/palette.h"
 #include "ui/window_source.h"
@@ -23,6 +25,16 @@ constexpr int kFrameDelay = 15; // milliseconds; changes that follow one another
 constexpr int kNotch = 120; // of a wheel, in the toolkit's units
 constexpr int kWheelPause = 700; // milliseconds; turns closer to each other are one change of the view
 constexpr int kAtOnce = 40; // milliseconds; pictures that take less are not shown stretched first
+
+// Twins that lie on each other look alike, whichever is marked.
+void sayWhichOf(size_t at, const std::vector<KcDbObjectId>& under)
+{
+    if (const KcDbRead<KcDbEntity> entity(under[at]); entity)
+        kcedSay(QStringLiteral("%1 of %2 here: %3, layer %4")
+                    .arg(at + 1)
+                    .arg(under.size())
+                    .arg(kcedKindInWords(kcedEntityTypeName(*entity)), entity->layer()));
+}
 
 } // namespace
 
@@ -468,6 +480,7 @@ bool KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
     if (keys & Qt::ControlModifier && m_under == before) {
         m_underAt = (beforeAt + 1) % m_under.size();
         id = m_under[m_underAt];
+        sayWhichOf(m_underAt, m_under);
         if (m_under.size() > 1)
             answerSelection({ Mode::Handles, true, {}, { m_under[beforeAt].handle() } });
     }

@@ -166,8 +166,8 @@ void KcUiCommandLine::type(QKeyEvent* event)
     }
 }
 
-// Names and most values hold no blanks, so that a blank ends them as Enter does. Texts, lists of coordinates
-// and lines for dialogs keep theirs.
+// Names and values hold no blanks, so that a blank ends them as Enter does: "W" asks for the corners then.
+// Texts, lists of handles and lines for dialogs keep theirs.
 bool KcUiCommandLine::blankIsEnter() const
 {
     if (m_kind == KcEdPrompt::Kind::Text)
@@ -175,16 +175,7 @@ bool KcUiCommandLine::blankIsEnter() const
     const QString typed = m_field->text();
     if (typed.isEmpty())
         return true;
-    if (QStringLiteral("(\"!\\;#~").contains(typed.front()))
-        return false;
-    const bool selects = m_kind == KcEdPrompt::Kind::Selection || m_kind == KcEdPrompt::Kind::Command;
-    static const QStringList leading{ "W", "C", "F", "WP", "CP", "R" };
-    if (selects && leading.contains(typed.section(QLatin1Char(' '), 0, 0), Qt::CaseInsensitive)) {
-        // The letter alone may also be a command's short name; coordinates follow it where it selects.
-        return m_kind == KcEdPrompt::Kind::Command && !typed.contains(QLatin1Char(' '))
-            && kcedCommandStack().lookup(typed);
-    }
-    return true;
+    return !QStringLiteral("(\"!\\;#~").contains(typed.front());
 }
 
 bool KcUiCommandLine::keyPressed(QKeyEvent* event)
