@@ -3,7 +3,6 @@
 #include "ui/canvas.h"
 
 #include "ed/activity.h"
-#include "ed/console.h"
 #include "ed/grips.h"
 #include "ed/next_point.h"
 #include "ed/property_names.h"
@@ -27,13 +26,14 @@ constexpr int kWheelPause = 700; // milliseconds; turns closer to each other are
 constexpr int kAtOnce = 40; // milliseconds; pictures that take less are not shown stretched first
 
 // Twins that lie on each other look alike, whichever is marked.
-void sayWhichOf(size_t at, const std::vector<KcDbObjectId>& under)
+QString whichOf(size_t at, const std::vector<KcDbObjectId>& under)
 {
-    if (const KcDbRead<KcDbEntity> entity(under[at]); entity)
-        kcedSay(QStringLiteral("%1 of %2 here: %3, layer %4")
-                    .arg(at + 1)
-                    .arg(under.size())
-                    .arg(kcedKindInWords(kcedEntityTypeName(*entity)), entity->layer()));
+    const KcDbRead<KcDbEntity> entity(under[at]);
+    return entity ? QStringLiteral("%1 of %2: %3, layer %4")
+                        .arg(at + 1)
+                        .arg(under.size())
+                        .arg(kcedKindInWords(kcedEntityTypeName(*entity)), entity->layer())
+                  : QString();
 }
 
 } // namespace
@@ -263,7 +263,8 @@ KcGePoint3d KcUiCanvas::clicked() const
 
 void KcUiCanvas::moveCursor(QPointF pixel)
 {
-    m_pixel = pixel;
+    if (std::exchange(m_pixel, pixel) != pixel)
+        m_note.clear();
     m_inside = rect().contains(pixel.toPoint());
     if (!m_document)
         return;
@@ -480,7 +481,7 @@ bool KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
     if (keys & Qt::ControlModifier && m_under == before) {
         m_underAt = (beforeAt + 1) % m_under.size();
         id = m_under[m_underAt];
-        sayWhichOf(m_underAt, m_under);
+        m_note = whichOf(m_underAt, m_under);
         if (m_under.size() > 1)
             answerSelection({ Mode::Handles, true, {}, { m_under[beforeAt].handle() } });
     }

@@ -140,6 +140,7 @@ private:
     bool m_dragging = false; ///< the button is still down since the first corner
     std::vector<KcDbObjectId> m_under; ///< what lay under the cursor at the last pick, and
     size_t m_underAt = 0; ///< which of it was taken
+    QString m_note; ///< about that, beside the cursor until it moves
     std::unordered_set<KcDbObjectId> m_highlighted;
     std::vector<KcDbObjectId> m_selected; ///< as it is marked
     bool m_marksChanged = false;

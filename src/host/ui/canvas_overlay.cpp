@@ -148,6 +148,8 @@ void KcUiCanvas::drawSnap(QPainter& painter)
 {
     if (!m_inside || m_panFrom)
         return;
+    if (!m_note.isEmpty())
+        drawNote(painter, m_pixel + QPointF(14, -12), m_note);
     if (!m_aim.snap) {
         // What was said for the next point is not here.
         if (const auto said = kcedNextPoint().snaps; said && m_prompt && kcedTakesPoint(m_prompt->kind))

@@ -28,6 +28,7 @@
 #include <QSettings>
 #include <QStatusBar>
 #include <QTabBar>
+#include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -146,6 +147,8 @@ void KcUiMainWindow::waiting(const KcEdPrompt* prompt)
     updateTitle();
     if (!prompt)
         return;
+    if (std::exchange(m_closesAfterWork, false))
+        QTimer::singleShot(0, this, [this] { close(); });
     if (prompt->kind == KcEdPrompt::Kind::Command && !kcedCommandStack().active()) {
         updateTabs();
         rememberRecent();
@@ -225,8 +228,13 @@ void KcUiMainWindow::closeEvent(QCloseEvent* event)
 {
     if (m_closing)
         return event->accept();
-    // What waits is cancelled first; the question comes when nothing runs any more.
+    // What works is stopped and what waits is cancelled first; the question comes when nothing runs any more.
     event->ignore();
+    if (kcedActivity() == KcEdActivity::Working && m_progress.stop()) {
+        if (!std::exchange(m_closesAfterWork, true))
+            kcedSay(QStringLiteral("The window closes when the work has stopped."));
+        return;
+    }
     kcedRequest(KcEdWish::Close, [this] {
         if (!mayDiscard())
             return;

@@ -75,5 +75,6 @@ private:
     QMenu* m_recentMenu = nullptr;
     QString m_recent; ///< the drawing remembered last
     bool m_closing = false;
+    bool m_closesAfterWork = false; ///< the user closed the window while something was done
     bool m_tracking = false; ///< the prompt shown last follows the cursor
 };

@@ -54,6 +54,12 @@ void KcUiProgressMeter::clear()
     m_stop->hide();
 }
 
+bool KcUiProgressMeter::stop()
+{
+    m_stopped |= m_shown;
+    return m_shown;
+}
+
 bool KcUiProgressMeter::isCancelled()
 {
     if (!std::exchange(m_stoppable, true))

@@ -19,6 +19,9 @@ public:
 
     void addTo(QStatusBar& bar);
 
+    /// Stops what is being done, if it asks; false when nothing is.
+    bool stop();
+
     // KcEdProgressSink
     void show(const QString& label, int percent) override;
     void clear() override;
