@@ -5,6 +5,8 @@
 #include "ed/selection.h"
 #include "ui/aim.h"
 
+#include <QTabBar>
+
 using ui_test::Hand;
 
 namespace {
@@ -106,6 +108,35 @@ TEST_F(Hand, PansAsIfDrawnAnew)
             kcedPreviousView(document());
             EXPECT_EQ(kcedView(document()), (KcEdView{ { 50, 50 }, 100 }));
         },
+    });
+}
+
+// Faults: a tab that leaves the picture of the other space, a selection that goes with it, an empty layout
+// shown as one unit.
+TEST_F(Hand, TabsShowTheirSpaces)
+{
+    add(std::make_unique<KcDbCircle>(KcGePoint3d{ 50, 50, 0 }, 40.0));
+    auto* tabs = window.findChild<QTabBar*>("layoutTabs");
+    const auto choose
+        = [&](int tab) { QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab).center()); };
+    QImage model;
+    run({
+        [&] {
+            canvas().update();
+            model = picture(canvas());
+            click(50, 90);
+        },
+        [&] {
+            EXPECT_EQ(document().pickFirst.size(), 1u);
+            choose(1);
+        },
+        [&] {
+            EXPECT_GT(differing(model, picture(canvas())), 200);
+            EXPECT_TRUE(document().pickFirst.isEmpty());
+            EXPECT_GE(kcedView(document()).height, 100);
+            choose(0);
+        },
+        [&] { EXPECT_EQ(differing(model, picture(canvas())), 0); },
     });
 }
 

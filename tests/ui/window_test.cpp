@@ -189,6 +189,9 @@ TEST_F(Hand, KeysOfTheEditMenuWorkWhileTheCommandLineHasTheFocus)
             QTest::keyClick(&field(), Qt::Key_Z, Qt::ControlModifier); // of what is being typed
             EXPECT_EQ(lines(), 1u);
             field().clear();
+            kcedSetView(document(), { { 500, 500 }, 1 });
+            QTest::keyClick(&field(), Qt::Key_Home);
+            EXPECT_LT(kcedView(document()).center.x, 10);
         },
     });
 }

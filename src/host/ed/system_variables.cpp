@@ -206,6 +206,20 @@ std::optional<KcEdVarValue> converted(const Variable& variable, const KcEdVarVal
     return {};
 }
 
+// What is selected in one space is none of another.
+void showSpace(KcDbDatabase& database, KcDbObjectId block)
+{
+    if (block == database.currentSpace())
+        return;
+    database.setCurrentSpace(block);
+    KcApDocument* document = kcDocManagerPtr()->curDocument();
+    if (!document || &document->database() != &database)
+        return;
+    document->pickFirst.clear();
+    if (kcedViewWindow())
+        kcedViewWindow()->viewChanged();
+}
+
 QString setComputed(KcDbDatabase& database, const QString& name, const KcEdVarValue& value)
 {
     if (name == u"TILEMODE") {
@@ -213,7 +227,7 @@ QString setComputed(KcDbDatabase& database, const QString& name, const KcEdVarVa
             = std::get<int64_t>(value) == 1 ? database.modelSpace() : database.paperSpace();
         if (block.isNull())
             return QStringLiteral("The drawing has no layout in paper space.");
-        database.setCurrentSpace(block);
+        showSpace(database, block);
         return {};
     }
     if (name == u"WIPEOUTFRAME") {
@@ -226,7 +240,7 @@ QString setComputed(KcDbDatabase& database, const QString& name, const KcEdVarVa
         const KcDbObjectId block = layoutBlock(database, text);
         if (block.isNull())
             return QStringLiteral("The drawing has no layout \"%1\".").arg(text);
-        database.setCurrentSpace(block);
+        showSpace(database, block);
         return {};
     }
     bool isNumber = false;

@@ -3,6 +3,7 @@
 #include "ed/view.h"
 
 #include "db/block_table_record.h"
+#include "db/dictionary.h"
 #include "db/tables.h"
 #include "ed/documents.h"
 #include "ed/pick_geometry.h"
@@ -39,7 +40,16 @@ KcEdView firstView(KcDbDatabase& database)
             return { center, shape > 0.0 ? std::max(height, height * shape / aspect()) : height };
         }
     }
-    return kcedViewOf(kcedVisibleExtents(database)).value_or(KcEdView());
+    if (const auto all = kcedViewOf(kcedVisibleExtents(database)))
+        return *all;
+    // An empty layout shows its sheet.
+    const KcDbRead<KcDbBlockTableRecord> space(database.currentSpace());
+    if (const KcDbRead<KcDbLayout> layout(space ? space->data().layout : KcDbObjectId()); layout) {
+        const auto& [min, max] = std::pair(layout->data().limitsMin, layout->data().limitsMax);
+        if (const auto sheet = kcedViewOf({ { min.x, min.y, 0.0 }, { max.x, max.y, 0.0 } }))
+            return *sheet;
+    }
+    return {};
 }
 
 KcApDocument::Views& viewsOf(KcApDocument& document)

@@ -208,6 +208,12 @@ bool KcUiCommandLine::keyPressed(QKeyEvent* event)
     case Qt::Key_Down:
         recall(event->key() == Qt::Key_Up ? -1 : 1);
         return true;
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        m_history->verticalScrollBar()->triggerAction(
+            event->key() == Qt::Key_PageUp ? QAbstractSlider::SliderPageStepSub
+                                           : QAbstractSlider::SliderPageStepAdd);
+        return true;
     default:
         return false;
     }
@@ -265,10 +271,11 @@ void KcUiCommandLine::recall(int step)
 
 bool KcUiCommandLine::eventFilter(QObject* watched, QEvent* event)
 {
-    // An empty field has nothing to undo, mark or delete: these keys are the menus' then.
+    // An empty field has nothing to undo, mark, delete or go over: these keys are the menus' then.
     if (event->type() == QEvent::ShortcutOverride && watched == m_field && m_field->text().isEmpty()) {
         const auto* shortcut = static_cast<QKeyEvent*>(event);
-        if ((shortcut->modifiers() & Qt::ControlModifier) || shortcut->key() == Qt::Key_Delete) {
+        if ((shortcut->modifiers() & Qt::ControlModifier) || shortcut->key() == Qt::Key_Delete
+            || shortcut->key() == Qt::Key_Home) {
             event->ignore();
             return true;
         }

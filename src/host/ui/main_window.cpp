@@ -119,6 +119,9 @@ KcUiMainWindow::KcUiMainWindow()
     restoreGeometry(settings.value(QStringLiteral("window/geometry")).toByteArray());
     restoreState(settings.value(QStringLiteral("window/state")).toByteArray());
     applyTheme(settings.value(QStringLiteral("window/dark"), true).toBool());
+    // As it shall look while the first drawing is read.
+    m_aids->refresh();
+    updateTitle();
     m_commandLine->setFocus();
 }
 
@@ -375,10 +378,8 @@ void KcUiMainWindow::updateTabs()
     }
     const QString current = kcedVarText(QStringLiteral("CTAB"));
     for (int i = 0; i < m_tabs->count(); ++i)
-        if (m_tabs->tabText(i).compare(current, Qt::CaseInsensitive) == 0 && m_tabs->currentIndex() != i) {
+        if (m_tabs->tabText(i).compare(current, Qt::CaseInsensitive) == 0)
             m_tabs->setCurrentIndex(i);
-            m_canvas->viewChanged();
-        }
 }
 
 void KcUiMainWindow::rememberRecent()
