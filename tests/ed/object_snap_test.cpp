@@ -7,6 +7,7 @@
 #include "db/text.h"
 #include "dxf/drawing_file.h"
 #include "ed/draw_order.h"
+#include "ed/grip_drag.h"
 #include "ed/grips.h"
 #include "ed/input.h"
 #include "ed/object_snap.h"
@@ -208,6 +209,32 @@ TEST(Grips, GoWhereTheyAreDragged)
         EXPECT_EQ(kcedMoveGrip(*entity, count, row.to), Kcad::eInvalidInput);
         EXPECT_EQ(kcedMoveGrip(*entity, 0, { NAN, 0, 0 }), Kcad::eInvalidInput);
     }
+}
+
+// Fault: a preview that moves the drawing's own vertices, so that a cancelled drag has moved the polyline.
+TEST(Grips, PreviewsOfOldPolylinesTouchNoVertex)
+{
+    Session session;
+    const KcDbObjectId id = session.add(std::make_unique<KcDb2dPolyline>());
+    for (const double x : { 0.0, 10.0 }) {
+        auto vertex = std::make_unique<KcDbVertex>();
+        vertex->data().position = { x, 0, 0 };
+        const KcDbObjectId owned = session.database.addObject(std::move(vertex), id);
+        KcDbWrite<KcDb2dPolyline>(id)->data().vertices.push_back(owned);
+    }
+    const auto end = [&] { return KcDbRead<KcDb2dPolyline>(id)->drawnVertices().back().position; };
+    const QString handle = Session::handle(id);
+    session.run({ "MOVE", handle, "", "0,0", "~5,5", "~9,9", "^C" });
+    EXPECT_TRUE(end().isEqualTo({ 10, 0, 0 }));
+    const auto drag = [&](const QStringList& answers) {
+        session.run([&] { kcedDragGrips(session.document, { { id, 1 } }, { 10, 0, 0 }); }, answers);
+    };
+    drag({ "~5,5", "~9,9", "^C" });
+    EXPECT_TRUE(end().isEqualTo({ 10, 0, 0 }));
+    drag({ "~5,5", "@0,3" });
+    EXPECT_TRUE(end().isEqualTo({ 10, 3, 0 }));
+    session.run({ "U" });
+    EXPECT_TRUE(end().isEqualTo({ 10, 0, 0 }));
 }
 
 TEST(HandCommands, LayersAreMadeAndChangedByNames)

@@ -63,6 +63,25 @@ void copyVertices(KcDbObjectId to, const std::vector<KcDbObjectId>& vertices)
     polyline->data().sequenceEnd = database.addObject(std::move(end), to);
 }
 
+/// The drawn vertices in one object; as seen from above, where they lie in no plane.
+std::unique_ptr<KcDbEntity> lightPolyline(const KcDb2dPolyline& polyline)
+{
+    const KcDb2dPolyline::Data& d = polyline.data();
+    auto light = std::make_unique<KcDbPolyline>();
+    for (const KcDbVertex::Data& v : polyline.drawnVertices())
+        light->data().vertices.push_back({ v.position.x, v.position.y, v.bulge,
+                                           v.startWidth < 0.0 ? d.startWidth : v.startWidth,
+                                           v.endWidth < 0.0 ? d.endWidth : v.endWidth });
+    if (!polyline.is3d() && !polyline.isMesh()) {
+        light->data().elevation = d.elevation;
+        light->data().thickness = d.thickness;
+        light->data().normal = d.normal;
+    }
+    light->setClosed(polyline.isClosed());
+    light->setPropertiesFrom(polyline);
+    return light;
+}
+
 } // namespace
 
 KcDbObjectId kcedCopyEntity(KcDbObjectId entity, const KcGeMatrix3d& transform, KcDbObjectId into)
@@ -109,6 +128,8 @@ std::unique_ptr<KcDbEntity> kcedDetachedCopy(KcDbObjectId id)
     const KcDbRead<KcDbEntity> entity(id);
     if (!entity)
         return {};
+    if (entity->isKindOf(KcDb2dPolyline::desc()))
+        return lightPolyline(static_cast<const KcDb2dPolyline&>(*entity));
     std::unique_ptr<KcDbEntity> copy(static_cast<KcDbEntity*>(entity->copy().release()));
     // The attributes are the drawing's own, and would move with the copy.
     if (copy->isKindOf(KcDbBlockReference::desc()))

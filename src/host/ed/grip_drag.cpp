@@ -69,6 +69,7 @@ void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, K
     KcEdDrag drag;
     drag.prompt = QStringLiteral("\nSpecify the place of the grip: ");
     drag.base = ucs.inverse() * from;
+    document.lastPoint = *drag.base; // "@3,0" goes from where the grip was
     drag.preview = [&](KcGePoint3d cursor) {
         KcEdPreview preview;
         for (const Held& held : moved)
