@@ -91,6 +91,38 @@ TEST(ObjectSnap, DrawsTheCursorToTheRightPoint)
     EXPECT_FALSE(kcedObjectSnap(session.database, { { 98, 2, 0 }, 4.0, kcedSnapAll, {} }));
 }
 
+// Faults: the height of the plane's origin for points of what rises, which no plan shows; corners passed
+// over.
+TEST(ObjectSnap, PointsOfWhatRisesHaveTheirHeight)
+{
+    Session session;
+    session.add(std::make_unique<KcDbLine>(KcGePoint3d{ 0, 0, 10 }, KcGePoint3d{ 100, 0, 30 }));
+    auto arc = std::make_unique<KcDbCircle>(KcGePoint3d{ 200, 0, 5 }, 50.0);
+    ASSERT_EQ(
+        arc->transformBy(KcGeMatrix3d::rotation(kPi / 3, KcGeVector3d::kXAxis, { 200, 0, 5 })), Kcad::eOk);
+    session.add(std::move(arc));
+    auto face = std::make_unique<KcDbFace>();
+    face->data().corners[2] = { 300, 300, 7 };
+    session.add(std::move(face));
+    const struct {
+        KcGePoint3d cursor;
+        int modes;
+        KcGePoint3d point;
+    } rows[] = {
+        { { 99, 1, 0 }, kcedSnapEnd, { 100, 0, 30 } },
+        { { 51, 1, 0 }, kcedSnapMiddle, { 50, 0, 20 } },
+        { { 25, 1, 0 }, kcedSnapNearest, { 25, 0, 15 } },
+        { { 200, 25, 0 }, kcedSnapQuadrant | kcedSnapNearest, { 200, 25, 5 + 25 * std::sqrt(3.0) } },
+        { { 201, 1, 0 }, kcedSnapCenter, { 200, 0, 5 } },
+        { { 301, 300, 0 }, kcedSnapEnd, { 300, 300, 7 } },
+    };
+    for (const auto& row : rows) {
+        const auto snap = kcedObjectSnap(session.database, { row.cursor, 4.0, row.modes, {} });
+        ASSERT_TRUE(snap) << row.point.x;
+        EXPECT_LT(snap->point.distanceTo(row.point), 1e-6) << snap->point.x << ", " << snap->point.z;
+    }
+}
+
 // Faults: a word that counts for more than one point, that a command which only looks uses up, or that is
 // forgotten where nothing lies; a distance without its direction.
 TEST(ObjectSnap, WordsCountForTheNextPointOnly)
@@ -211,8 +243,9 @@ TEST(Grips, GoWhereTheyAreDragged)
     }
 }
 
-// Fault: a preview that moves the drawing's own vertices, so that a cancelled drag has moved the polyline.
-TEST(Grips, PreviewsOfOldPolylinesTouchNoVertex)
+// Fault: a preview that moves the vertices of an old polyline in the drawing itself, so that a cancelled drag
+// has moved it.
+TEST(Grips, DragsTouchNothingBeforeTheyEnd)
 {
     Session session;
     const KcDbObjectId id = session.add(std::make_unique<KcDb2dPolyline>());
@@ -235,6 +268,10 @@ TEST(Grips, PreviewsOfOldPolylinesTouchNoVertex)
     EXPECT_TRUE(end().isEqualTo({ 10, 3, 0 }));
     session.run({ "U" });
     EXPECT_TRUE(end().isEqualTo({ 10, 0, 0 }));
+    // A radius counts from the centre.
+    const KcDbObjectId circle = session.add(std::make_unique<KcDbCircle>(KcGePoint3d{ 50, 50, 0 }, 10.0));
+    session.run([&] { kcedDragGrips(session.document, { { circle, 1 } }, { 60, 50, 0 }); }, { "@0,4" });
+    EXPECT_NEAR(KcDbRead<KcDbCircle>(circle)->radius(), 4, 1e-9);
 }
 
 TEST(HandCommands, LayersAreMadeAndChangedByNames)

@@ -68,7 +68,11 @@ void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, K
     const KcGeMatrix3d ucs = database.ucsToWorld();
     KcEdDrag drag;
     drag.prompt = QStringLiteral("\nSpecify the place of the grip: ");
-    drag.base = ucs.inverse() * from;
+    KcGePoint3d base = from;
+    if (moved.size() == 1 && moved.front().indices.size() == 1)
+        if (const KcDbRead<KcDbEntity> entity(moved.front().id); entity)
+            base = kcedGripBase(*entity, moved.front().indices.front()).value_or(from);
+    drag.base = ucs.inverse() * base;
     document.lastPoint = *drag.base; // "@3,0" goes from where the grip was
     drag.preview = [&](KcGePoint3d cursor) {
         KcEdPreview preview;

@@ -26,6 +26,7 @@ template <class T> T* as(KcDbEntity& entity)
 struct Grip {
     KcGePoint3d point;
     std::function<bool(KcGePoint3d)> move;
+    std::optional<KcGePoint3d> base = std::nullopt; ///< none: the point itself
 };
 using Grips = std::vector<Grip>;
 
@@ -77,7 +78,8 @@ Grips gripsOf(KcDbCircle& circle)
                           [&circle](KcGePoint3d to) {
                               auto& d = circle.data();
                               return setRadius(d.radius, d.center.plan(), inPlane(d.normal, to));
-                          } });
+                          },
+                          circle.center() });
     }
     return grips;
 }
@@ -119,22 +121,26 @@ Grips gripsOf(KcDbEllipse& ellipse)
     const KcGeVector3d minor = d.normal.normal().crossProduct(d.majorAxis) * d.radiusRatio;
     Grips grips{ wholeGrip(ellipse, d.center) };
     for (const double sign : { 1.0, -1.0 }) {
-        grips.push_back({ d.center + d.majorAxis * sign, [&d, minor, sign](KcGePoint3d to) {
-                             // The other axis keeps its length, unless it would become the longer one.
-                             const KcGeVector3d axis = (to - d.center) * sign;
-                             if (!(axis.length() > KcGeContext::gTol.equalPoint))
-                                 return false;
-                             d.majorAxis = axis;
-                             d.radiusRatio = std::min(minor.length() / axis.length(), 1.0);
-                             return true;
-                         } });
-        grips.push_back({ d.center + minor * sign, [&d](KcGePoint3d to) {
-                             const double length = (to - d.center).length();
-                             if (!(length > KcGeContext::gTol.equalPoint))
-                                 return false;
-                             d.radiusRatio = std::min(length / d.majorAxis.length(), 1.0);
-                             return true;
-                         } });
+        grips.push_back({ d.center + d.majorAxis * sign,
+                          [&d, minor, sign](KcGePoint3d to) {
+                              // The other axis keeps its length, unless it would become the longer one.
+                              const KcGeVector3d axis = (to - d.center) * sign;
+                              if (!(axis.length() > KcGeContext::gTol.equalPoint))
+                                  return false;
+                              d.majorAxis = axis;
+                              d.radiusRatio = std::min(minor.length() / axis.length(), 1.0);
+                              return true;
+                          },
+                          d.center });
+        grips.push_back({ d.center + minor * sign,
+                          [&d](KcGePoint3d to) {
+                              const double length = (to - d.center).length();
+                              if (!(length > KcGeContext::gTol.equalPoint))
+                                  return false;
+                              d.radiusRatio = std::min(length / d.majorAxis.length(), 1.0);
+                              return true;
+                          },
+                          d.center });
     }
     return grips;
 }
@@ -268,6 +274,13 @@ std::vector<KcGePoint3d> kcedGripPoints(const KcDbEntity& entity)
     for (const Grip& grip : gripsOf(const_cast<KcDbEntity&>(entity)))
         points.push_back(grip.point);
     return points;
+}
+
+std::optional<KcGePoint3d> kcedGripBase(const KcDbEntity& entity, size_t index)
+{
+    const Grips grips = gripsOf(const_cast<KcDbEntity&>(entity));
+    return index < grips.size() ? std::optional(grips[index].base.value_or(grips[index].point))
+                                : std::nullopt;
 }
 
 Kcad::ErrorStatus kcedMoveGrip(KcDbEntity& entity, size_t index, KcGePoint3d to)

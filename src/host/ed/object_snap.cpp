@@ -6,6 +6,7 @@
 #include "db/block_reference.h"
 #include "db/curves.h"
 #include "db/polyline.h"
+#include "db/wipeout.h"
 #include "ed/entity_curves.h"
 #include "ge/intersect.h"
 
@@ -42,6 +43,58 @@ template <class T> const T* as(const KcDbEntity& entity)
     return entity.isKindOf(T::desc()) ? static_cast<const T*>(&entity) : nullptr;
 }
 
+/// Of what has corners and is no curve, in its own coordinates.
+std::vector<KcGePoint3d> cornersOf(const KcDbEntity& entity)
+{
+    if (const auto* wipeout = as<KcDbWipeout>(entity))
+        return wipeout->outline();
+    std::vector<KcGePoint3d> corners;
+    if (const auto* face = as<KcDbFace>(entity))
+        corners.assign(std::begin(face->data().corners), std::end(face->data().corners));
+    if (const auto* solid = as<KcDbSolid>(entity)) {
+        const KcGeMatrix3d plane = KcGeMatrix3d::planeToWorld(solid->data().normal);
+        for (const KcGePoint3d& corner : solid->data().corners)
+            corners.push_back(plane * corner);
+    }
+    return corners;
+}
+
+/// How high a piece lies, by its points seen from above: it rises evenly along one direction.
+class Height {
+public:
+    Height() = default;
+    static Height level(double z) { return { {}, z, {} }; }
+    static Height between(KcGePoint3d a, KcGePoint3d b)
+    {
+        const KcGeVector2d way = b.plan() - a.plan();
+        const double length = way.length();
+        if (!(length > KcGeContext::gTol.equalPoint))
+            return level(a.z);
+        return { a.plan(), a.z, way * ((b.z - a.z) / (length * length)) };
+    }
+    /// Of the XY plane of a placed coordinate system; that of its origin where it is seen from its edge.
+    static Height ofPlane(const KcGeMatrix3d& place)
+    {
+        const KcGePoint3d origin = place * KcGePoint3d();
+        const KcGeVector3d normal = place.axis(0).crossProduct(place.axis(1));
+        if (!(std::abs(normal.z) > KcGeContext::gTol.equalVector * normal.length()))
+            return level(origin.z);
+        return { origin.plan(), origin.z, KcGeVector2d{ -normal.x / normal.z, -normal.y / normal.z } };
+    }
+    KcGePoint3d at(KcGePoint2d p) const { return { p.x, p.y, m_z + m_slope.dotProduct(p - m_from) }; }
+
+private:
+    Height(KcGePoint2d from, double z, KcGeVector2d slope)
+        : m_from(from)
+        , m_z(z)
+        , m_slope(slope)
+    {
+    }
+    KcGePoint2d m_from;
+    double m_z = 0.0;
+    KcGeVector2d m_slope;
+};
+
 /// Collects candidates and keeps the best.
 class Search {
 public:
@@ -68,6 +121,9 @@ public:
             else if (const auto* mtext = as<KcDbMText>(seen.entity))
                 offer(at(mtext->data().location), kcedSnapInsertion);
         }
+        if (wants(kcedSnapEnd))
+            for (const KcGePoint3d& corner : cornersOf(seen.entity))
+                offer(at(corner), kcedSnapEnd);
         if (const auto* curve = as<KcDbCurve>(seen.entity))
             lookAt(curve->curve(), seen.toWorld);
     }
@@ -91,7 +147,7 @@ public:
                     if (m_near[i].curve != m_near[j].curve
                         || (!isEnd(crossing.first) && !isEnd(crossing.second))) {
                         m_entity = m_near[i].entity;
-                        offer({ crossing.point.x, crossing.point.y, m_near[i].z }, kcedSnapIntersection);
+                        offer(m_near[i].height.at(crossing.point), kcedSnapIntersection);
                     }
             }
     }
@@ -108,7 +164,8 @@ private:
     enum Rank { kNone = 3, kNearest = 2, kOfWhatPasses = 1, kPoint = 0 };
     struct Near {
         KcGeSegment2d piece;
-        double distance = 0.0, z = 0.0;
+        Height height;
+        double distance = 0.0;
         size_t curve = 0;
         KcDbObjectId entity;
     };
@@ -155,27 +212,29 @@ private:
             if (!touches(own, place, curve.isBounded()))
                 continue;
             ++m_pieces;
-            lookAtPiece(flat ? own : own.transformed(place), curve.isBounded(), place.entry(2, 3));
+            const auto placed = [&](KcGePoint2d p) { return place * KcGePoint3d{ p.x, p.y, 0.0 }; };
+            const Height height = own.isLine()
+                ? Height::between(placed(own.startPoint()), placed(own.endPoint()))
+                : Height::ofPlane(place);
+            lookAtPiece(flat ? own : own.transformed(place), curve.isBounded(), height);
         }
         if (!curve.isBounded() && curve.hasStart() && wants(kcedSnapEnd))
             if (const auto start = curve.startPoint())
                 offer(toWorld * *start, kcedSnapEnd);
     }
 
-    /// Polylines that lie in no plane: seen along the Z axis.
+    /// What lies in no plane: polylines, and splines, whose height between their ends is only near the truth.
     void lookAtSpatial(const KcGeCurve3d& curve, const KcGeMatrix3d& toWorld)
     {
         ++m_curve;
-        const std::vector<KcGePoint3d> vertices = curve.vertices();
-        for (const KcGePoint3d& vertex : vertices)
-            if (wants(kcedSnapEnd))
-                offer(toWorld * vertex, kcedSnapEnd);
-        for (const KcGeSegment2d& piece : curve.plan()) {
-            if (isFull())
-                return;
+        std::vector<KcGePoint3d> vertices = curve.vertices();
+        if (curve.isClosed() && !vertices.empty())
+            vertices.push_back(vertices.front());
+        const std::vector<KcGeSegment2d> plan = curve.plan();
+        for (size_t i = 0; i < plan.size() && i + 1 < vertices.size() && !isFull(); ++i) {
             ++m_pieces;
-            const KcGeSegment2d seen = toWorld == KcGeMatrix3d() ? piece : piece.transformed(toWorld);
-            lookAtPiece(seen, true, 0.0);
+            const Height height = Height::between(toWorld * vertices[i], toWorld * vertices[i + 1]);
+            lookAtPiece(toWorld == KcGeMatrix3d() ? plan[i] : plan[i].transformed(toWorld), true, height);
         }
     }
 
@@ -195,9 +254,9 @@ private:
         return near;
     }
 
-    void lookAtPiece(const KcGeSegment2d& piece, bool bounded, double z)
+    void lookAtPiece(const KcGeSegment2d& piece, bool bounded, const Height& height)
     {
-        const auto at = [z](KcGePoint2d p) { return KcGePoint3d{ p.x, p.y, z }; };
+        const auto at = [&](KcGePoint2d p) { return height.at(p); };
         const auto nearest = bounded ? piece.closest(m_cursor) : piece.closestExtended(m_cursor);
         const bool passes = nearest.distance <= m_request.aperture;
         const bool whole = piece.isClosed();
@@ -207,24 +266,24 @@ private:
         }
         if (wants(kcedSnapMiddle) && bounded && !whole)
             offer(at(piece.pointAt(piece.paramAtLength(piece.length() / 2.0))), kcedSnapMiddle);
-        roundPoints(piece, passes, z);
+        roundPoints(piece, passes, height);
         if (!passes)
             return;
-        m_near.push_back({ piece, nearest.distance, z, m_curve, m_entity });
+        m_near.push_back({ piece, height, nearest.distance, m_curve, m_entity });
         if (m_request.base && wants(kcedSnapPerpendicular | kcedSnapTangent))
-            fromBase(piece, z);
+            fromBase(piece, height);
         if (wants(kcedSnapNearest))
             offer(at(nearest.point), kcedSnapNearest, kNearest);
     }
 
-    void roundPoints(const KcGeSegment2d& piece, bool passes, double z)
+    void roundPoints(const KcGeSegment2d& piece, bool passes, const Height& height)
     {
         const auto* arc = piece.asArc();
         const auto ellipse = arc ? std::nullopt : piece.asEllipse();
         if (!arc && !ellipse)
             return;
         const KcGePoint2d center = arc ? arc->center() : ellipse->center.plan();
-        const KcGePoint3d middle{ center.x, center.y, z };
+        const KcGePoint3d middle = height.at(center);
         if (wants(kcedSnapCenter)) {
             if (passes)
                 offerBoth(middle, kcedSnapCenter);
@@ -239,22 +298,20 @@ private:
             for (int quarter = 0; quarter < 4; ++quarter) {
                 const double angle = quarter * kPi / 2.0;
                 if (arc->isFullCircle() || arc->containsAngle(angle)) {
-                    const KcGePoint2d p = arc->pointAtAngle(angle);
-                    offer({ p.x, p.y, z }, kcedSnapQuadrant);
+                    offer(height.at(arc->pointAtAngle(angle)), kcedSnapQuadrant);
                 }
             }
         else
             for (const double t : params) {
-                const KcGePoint2d p = piece.pointAt(t);
-                offer({ p.x, p.y, z }, kcedSnapQuadrant);
+                offer(height.at(piece.pointAt(t)), kcedSnapQuadrant);
             }
     }
 
     /// Feet of perpendiculars from the base, and points where lines from it touch.
-    void fromBase(const KcGeSegment2d& piece, double z)
+    void fromBase(const KcGeSegment2d& piece, const Height& height)
     {
         const KcGePoint2d base = m_request.base->plan();
-        const auto offerAt = [&](KcGePoint2d p, KcEdSnapMode mode) { offerBoth({ p.x, p.y, z }, mode); };
+        const auto offerAt = [&](KcGePoint2d p, KcEdSnapMode mode) { offerBoth(height.at(p), mode); };
         const auto* arc = piece.asArc();
         if (wants(kcedSnapPerpendicular)) {
             if (piece.isLine()) {
