@@ -140,8 +140,18 @@ TEST_F(Hand, QuickHandsAnswerTheNextQuestion)
 TEST_F(Hand, TypingReachesTheCommandLineFromEverywhere)
 {
     auto* layers = window.findChild<QTreeWidget*>("layers");
+    auto* find = window.findChild<QWidget*>("layerPanel")->findChild<QLineEdit*>();
     run({
-        [&] { QTest::keyClicks(layers, "pl"); },
+        [&] {
+            QTest::keyClicks(window.findChild<QComboBox*>("selectionLayer"), "xy");
+            EXPECT_EQ(field().text(), "xy");
+            field().clear();
+            QTest::keyClicks(find, "tr");
+            EXPECT_EQ(find->text(), "tr");
+            QTest::keyClick(find, Qt::Key_Escape);
+            EXPECT_EQ(find->text(), "");
+            QTest::keyClicks(layers, "pl");
+        },
         [&] {
             EXPECT_EQ(field().text(), "pl");
             QWidget* names = QApplication::activePopupWidget();

@@ -18,10 +18,12 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
 #include <QScreen>
@@ -252,13 +254,21 @@ void KcUiMainWindow::closeEvent(QCloseEvent* event)
     });
 }
 
-// What is typed over the lists of the panels goes to the command line, as it does over the drawing: a blank
-// ticks there, and letters find nothing that the panels' own fields do not find better.
+// What is typed over the lists and boxes of the panels goes to the command line, as it does over the drawing:
+// a blank ticks there, and letters find nothing that the panels' own fields do not find better. Those fields
+// take what is typed, and let go with Escape.
 bool KcUiMainWindow::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() != QEvent::KeyPress)
         return QMainWindow::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
+    if (auto* field = qobject_cast<QLineEdit*>(watched)) {
+        if (key->key() != Qt::Key_Escape)
+            return QMainWindow::eventFilter(watched, event);
+        field->clear();
+        m_commandLine->setFocus();
+        return true;
+    }
     const bool types = !key->text().isEmpty() && key->text().front().isPrint() && key->key() != Qt::Key_Space
         && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
     if (!types && key->key() != Qt::Key_Escape)
@@ -357,8 +367,14 @@ void KcUiMainWindow::makePanels()
     QDockWidget* layers = addPanel(QStringLiteral("Layers"), m_layers);
     QDockWidget* properties = addPanel(QStringLiteral("Properties"), m_properties);
     QObject::connect(properties, &QDockWidget::visibilityChanged, this, [this] { m_properties->refresh(); });
-    for (const char* list : { "layers", "properties" })
-        findChild<QTreeWidget*>(QLatin1String(list))->installEventFilter(this);
+    for (const QWidget* panel : { static_cast<QWidget*>(m_layers), static_cast<QWidget*>(m_properties) }) {
+        for (QTreeWidget* list : panel->findChildren<QTreeWidget*>())
+            list->installEventFilter(this);
+        for (QComboBox* box : panel->findChildren<QComboBox*>())
+            box->installEventFilter(this);
+        for (QLineEdit* field : panel->findChildren<QLineEdit*>())
+            field->installEventFilter(this);
+    }
     tabifyDockWidget(layers, properties);
     layers->raise();
 }
