@@ -3,7 +3,6 @@
 #include "ui/canvas.h"
 
 #include "ed/activity.h"
-#include "ed/grips.h"
 #include "ed/next_point.h"
 #include "ed/property_names.h"
 #include "ed/selection.h"
@@ -78,7 +77,7 @@ void KcUiCanvas::setDocument(KcApDocument* document)
         m_document->database().addListener(this);
     m_highlighted.clear();
     m_selected.clear();
-    m_hotGrips.clear();
+    m_grips.setEntities({});
     m_picture.setDatabase(m_document ? &m_document->database() : nullptr);
     regenerate();
 }
@@ -94,11 +93,9 @@ void KcUiCanvas::setPrompt(const KcEdPrompt* prompt)
         m_dragging = false;
     }
     if (prompt && prompt->kind == KcEdPrompt::Kind::Command && std::exchange(m_dragsGrips, false))
-        m_hotGrips.clear();
-    if (m_document && m_document->pickFirst.ids() != m_selected) {
-        m_hotGrips.clear();
+        m_grips.setHot({});
+    if (m_document && m_document->pickFirst.ids() != m_selected)
         planMarks();
-    }
     // The new prompt may draw the cursor elsewhere, and a drag begins with what is under it. A command that
     // tracks the cursor hears of real moves only: it asks again after each.
     if (m_prompt && m_inside && m_prompt->kind != KcEdPrompt::Kind::Track)
@@ -169,6 +166,7 @@ void KcUiCanvas::regenerate()
 void KcUiCanvas::contentsChanged()
 {
     m_picture.contentsChanged();
+    m_grips.forget();
     planFrame(kFrameDelay);
 }
 
@@ -418,52 +416,26 @@ void KcUiCanvas::press(QPointF pixel, Qt::KeyboardModifiers keys)
     }
 }
 
-// Every grip that lies where the one does that the cursor reaches: corners that meet stay together.
-std::vector<KcEdGrip> KcUiCanvas::gripsUnder(QPointF pixel, KcGePoint3d& at) const
-{
-    std::vector<KcEdGrip> grips;
-    if (!showsGrips())
-        return grips;
-    const KcUiScreenMap shown = map();
-    for (const KcDbObjectId id : m_document->pickFirst.ids()) {
-        const KcDbRead<KcDbEntity> entity(id);
-        if (!entity)
-            continue;
-        const std::vector<KcGePoint3d> points = kcedGripPoints(*entity);
-        for (size_t i = 0; i < points.size(); ++i) {
-            const QPointF off = shown.toPixel({ points[i].x, points[i].y }) - pixel;
-            if (grips.empty() && std::max(std::abs(off.x()), std::abs(off.y())) <= kcuiGripReach)
-                at = points[i];
-            else if (grips.empty() || !points[i].isEqualTo(at))
-                continue;
-            grips.push_back({ id, i });
-        }
-    }
-    return grips;
-}
-
 // Those collected with Shift go along when one of them is taken.
 bool KcUiCanvas::pressGrip(QPointF pixel, bool collects)
 {
+    if (!showsGrips())
+        return false;
+    m_grips.setEntities(m_document->pickFirst.ids());
     KcGePoint3d from;
-    const std::vector<KcEdGrip> grips = gripsUnder(pixel, from);
+    const std::vector<KcEdGrip> grips = m_grips.under(pixel, map(), from);
     if (grips.empty())
         return false;
-    const auto hot = std::find(m_hotGrips.begin(), m_hotGrips.end(), grips.front());
     if (collects) {
-        const bool takesOut = hot != m_hotGrips.end();
-        for (const KcEdGrip& grip : grips)
-            std::erase(m_hotGrips, grip);
-        if (!takesOut)
-            m_hotGrips.insert(m_hotGrips.end(), grips.begin(), grips.end());
+        m_grips.toggleHot(grips);
         QWidget::update();
         return true;
     }
-    if (hot == m_hotGrips.end())
-        m_hotGrips = grips;
+    if (!m_grips.isHot(grips.front()))
+        m_grips.setHot(grips);
     m_gripFrom = pixel;
     m_dragsGrips = true;
-    return kcedRequest(KcEdWish::Change, [document = m_document, held = m_hotGrips, from] {
+    return kcedRequest(KcEdWish::Change, [document = m_document, held = m_grips.hot(), from] {
         if (document == kcDocManagerPtr()->curDocument())
             kcedDragGrips(*document, held, from);
     });

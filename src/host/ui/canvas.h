@@ -2,9 +2,9 @@
 #pragma once
 
 #include "ed/documents.h"
-#include "ed/grip_drag.h"
 #include "ed/jig.h"
 #include "ui/aim.h"
+#include "ui/grip_layer.h"
 #include "ui/picture.h"
 
 #include <QElapsedTimer>
@@ -92,7 +92,6 @@ private:
     void finishRectangle(QPointF pixel, bool removes);
     void answerSelection(KcEdSelectionLine line);
     KcDbObjectId entityUnder(QPointF pixel);
-    std::vector<KcEdGrip> gripsUnder(QPointF pixel, KcGePoint3d& at) const;
     bool pressGrip(QPointF pixel, bool collects);
     /// False when nothing lies there.
     bool pickUnder(QPointF pixel, Qt::KeyboardModifiers keys);
@@ -135,7 +134,7 @@ private:
     std::optional<QPointF> m_rectangleFrom; ///< first corner of a selection rectangle
     bool m_zoomsWindow = false; ///< the rectangle is no selection but the next view
     std::optional<QPointF> m_gripFrom; ///< where a grip was pressed, while the button is down
-    std::vector<KcEdGrip> m_hotGrips; ///< go together when one of them is dragged
+    KcUiGripLayer m_grips;
     bool m_dragsGrips = false; ///< the hot ones are dragged
     bool m_dragging = false; ///< the button is still down since the first corner
     std::vector<KcDbObjectId> m_under; ///< what lay under the cursor at the last pick, and

@@ -1,6 +1,5 @@
 // What lies over the picture of the drawing: cursor, rubber band, selection rectangle, grips, axes.
 
-#include "ed/grips.h"
 #include "ed/next_point.h"
 #include "ed/selection.h"
 #include "ed/system_variables.h"
@@ -11,8 +10,6 @@
 
 namespace {
 
-constexpr int kGripPixels = 4; // to each side
-constexpr size_t kMostGrips = 400; // of more selected entities only the marks are shown
 constexpr int kAxisPixels = 44, kAxisCorner = 18;
 
 } // namespace
@@ -35,34 +32,17 @@ const KcUiPalette& kcuiPalette(bool dark)
 // While nothing runs but a drag by them; a command that asks has a selection of its own.
 bool KcUiCanvas::showsGrips() const
 {
-    return m_document && m_document->pickFirst.size() <= kMostGrips && m_prompt
-        && (m_prompt->kind == KcEdPrompt::Kind::Command || m_dragsGrips);
+    return m_document && m_prompt && (m_prompt->kind == KcEdPrompt::Kind::Command || m_dragsGrips);
 }
 
 void KcUiCanvas::drawGrips(QPainter& painter)
 {
     if (!showsGrips())
         return;
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    const KcUiPalette& colors = kcuiPalette(m_dark);
-    painter.setPen(colors.background);
-    const KcUiScreenMap shown = map();
-    for (const KcDbObjectId id : m_document->pickFirst.ids()) {
-        const KcDbRead<KcDbEntity> entity(id);
-        if (!entity)
-            continue;
-        const std::vector<KcGePoint3d> points = kcedGripPoints(*entity);
-        for (size_t i = 0; i < points.size(); ++i) {
-            const QPointF at = shown.toPixel({ points[i].x, points[i].y }), off = at - m_pixel;
-            const bool hot
-                = std::find(m_hotGrips.begin(), m_hotGrips.end(), KcEdGrip{ id, i }) != m_hotGrips.end();
-            const bool reached = m_inside && !m_dragsGrips
-                && std::max(std::abs(off.x()), std::abs(off.y())) <= kcuiGripReach;
-            painter.setBrush(hot ? colors.hotGrip : reached ? colors.reachedGrip : colors.grip);
-            painter.drawRect(
-                QRectF(at.x() - kGripPixels, at.y() - kGripPixels, 2 * kGripPixels, 2 * kGripPixels));
-        }
-    }
+    m_grips.setEntities(m_document->pickFirst.ids());
+    m_grips.draw(
+        painter, map(), kcuiPalette(m_dark), devicePixelRatioF(),
+        m_inside && !m_dragsGrips ? std::optional(m_pixel) : std::nullopt);
 }
 
 void KcUiCanvas::drawRubberBand(QPainter& painter)
