@@ -274,6 +274,49 @@ TEST(Grips, DragsTouchNothingBeforeTheyEnd)
     EXPECT_NEAR(KcDbRead<KcDbCircle>(circle)->radius(), 4, 1e-9);
 }
 
+// Faults: a mode that takes the grip's entity alone, copies that take the original along or several steps.
+TEST(Grips, EnterGoesOnToMovingTurningScalingAndMirroring)
+{
+    const struct {
+        const char* name;
+        QStringList answers;
+        std::vector<KcGePoint3d> ends; ///< of all lines then
+    } rows[] = {
+        { "stretch", { "20,0" }, { { 20, 0, 0 }, { 0, 10, 0 } } },
+        { "move", { "", "20,0" }, { { 20, 0, 0 }, { 10, 10, 0 } } },
+        { "rotate", { "", "", "90" }, { { 10, 0, 0 }, { 0, -10, 0 } } },
+        { "scale", { "", "", "", "2" }, { { 10, 0, 0 }, { -10, 20, 0 } } },
+        { "mirror", { "", "", "", "", "@0,5" }, { { 10, 0, 0 }, { 20, 10, 0 } } },
+        { "round to stretching", { "", "", "", "", "", "20,0" }, { { 20, 0, 0 }, { 0, 10, 0 } } },
+        { "another base", { "", "b", "0,0", "5,5" }, { { 15, 5, 0 }, { 5, 15, 0 } } },
+        { "copies", { "c", "20,0", "30,0", "" }, { { 10, 0, 0 }, { 0, 10, 0 }, { 20, 0, 0 }, { 30, 0, 0 } } },
+        { "nothing", { "", "c", "" }, { { 10, 0, 0 }, { 0, 10, 0 } } },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Session session;
+        const KcDbObjectId held = session.addLine(0, 0, 10, 0), other = session.addLine(0, 0, 0, 10);
+        const auto drag = [&] {
+            session.document.pickFirst = KcEdSelectionSet({ held, other });
+            kcedDragGrips(session.document, { { held, 2 } }, { 10, 0, 0 });
+        };
+        EXPECT_EQ(session.run(drag, row.answers), 0) << qPrintable(session.errors);
+        const auto ends = [&] {
+            std::vector<KcGePoint3d> found;
+            for (const KcDbObjectId id : *KcDbRead<KcDbBlockTableRecord>(session.database.modelSpace()))
+                found.push_back(KcDbRead<KcDbLine>(id)->data().end);
+            return found;
+        };
+        const std::vector<KcGePoint3d> after = ends();
+        ASSERT_EQ(after.size(), row.ends.size());
+        for (size_t i = 0; i < after.size(); ++i)
+            EXPECT_TRUE(after[i].isEqualTo(row.ends[i])) << i << ": " << after[i].x << ", " << after[i].y;
+        session.run({ "U" });
+        EXPECT_EQ(ends().size(), 2u);
+        EXPECT_TRUE(ends()[0].isEqualTo({ 10, 0, 0 }));
+    }
+}
+
 TEST(HandCommands, LayersAreMadeAndChangedByNames)
 {
     Session session;

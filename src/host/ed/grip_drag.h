@@ -20,6 +20,8 @@ struct KcEdGrip {
 };
 
 /// Asks where the point that is held shall go, world coordinates, showing what would become of the entities
-/// whose grips go as far, and moves them: one undo step. Entities on locked layers stay, and that is said; a
-/// cancel changes nothing. For when no command runs.
+/// whose grips go as far, and moves them: one undo step. Enter goes on to moving, turning, scaling and
+/// mirroring the whole selection about that point; the keyword Copy leaves the originals and asks again until
+/// Enter. Entities on locked layers stay, and that is said; a cancel changes nothing. For when no command
+/// runs.
 void kcedDragGrips(KcApDocument& document, const std::vector<KcEdGrip>& grips, KcGePoint3d from);
