@@ -46,7 +46,11 @@ TEST(Scene, TakesColoursFromLayerBlockAndItself)
     EXPECT_EQ(at(picture(d.database, dark), 15, 55), kWhite);
     KcGiSceneOptions marks;
     marks.oneColor = kGreen;
-    EXPECT_EQ(at(picture(d.database, marks), 15, 15), kGreen);
+    // An outline, and a veil under which the rest is still seen.
+    const QImage marked = picture(d.database, marks);
+    EXPECT_EQ(at(marked, 10, 15), kGreen);
+    EXPECT_GT(qRed(at(marked, 15, 15)), 150);
+    EXPECT_LT(qRed(at(marked, 15, 15)), 250);
 }
 
 TEST(Scene, LeavesOutWhatLayersHide)

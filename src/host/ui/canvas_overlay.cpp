@@ -12,19 +12,48 @@ namespace {
 
 constexpr int kAxisPixels = 44, kAxisCorner = 18;
 
+/// What is thin and drawn over the drawing takes away from the colours below it, so that it is seen on light
+/// fills as on the dark ground: white turns them over.
+class Contrasting {
+public:
+    explicit Contrasting(QPainter& painter)
+        : m_painter(painter)
+    {
+        m_painter.save();
+        m_painter.setCompositionMode(QPainter::CompositionMode_Difference);
+    }
+    ~Contrasting() { m_painter.restore(); }
+    Contrasting(const Contrasting&) = delete;
+    Contrasting& operator=(const Contrasting&) = delete;
+
+private:
+    QPainter& m_painter;
+};
+const QColor kContrast(230, 230, 230), kContrastBand(255, 200, 60);
+
 } // namespace
 
 const KcUiPalette& kcuiPalette(bool dark)
 {
     static const KcUiPalette darkColors{
-        QColor(33, 40, 48),   QColor(230, 230, 230),    QColor(230, 230, 230),   QColor(70, 150, 255),
-        QColor(255, 170, 60), QColor(60, 120, 255, 60), QColor(60, 220, 90, 60), QColor(255, 200, 60),
-        QColor(60, 230, 120), QColor(230, 50, 40),      QColor(250, 140, 160),
+        .background = QColor(33, 40, 48),
+        .grip = QColor(70, 150, 255),
+        .hotGrip = QColor(230, 50, 40),
+        .reachedGrip = QColor(250, 140, 160),
+        .mark = QColor(255, 170, 60),
+        .window = QColor(60, 120, 255, 60),
+        .crossing = QColor(60, 220, 90, 60),
+        .snap = QColor(60, 230, 120),
     };
     static const KcUiPalette lightColors{
-        QColor(255, 255, 255), QColor(20, 20, 20),     QColor(20, 20, 20),     QColor(0, 90, 220),
-        QColor(220, 100, 0),   QColor(0, 60, 255, 45), QColor(0, 150, 30, 45), QColor(200, 110, 0),
-        QColor(0, 150, 60),    QColor(210, 20, 20),    QColor(240, 110, 140),
+        .background = QColor(255, 255, 255),
+        .grip = QColor(0, 90, 220),
+        .hotGrip = QColor(210, 20, 20),
+        .reachedGrip = QColor(240, 110, 140),
+        .mark = QColor(220, 100, 0),
+        .window = QColor(0, 60, 255, 45),
+        .crossing = QColor(0, 150, 30, 45),
+        .snap = QColor(0, 150, 60),
     };
     return dark ? darkColors : lightColors;
 }
@@ -67,7 +96,8 @@ void KcUiCanvas::drawRubberBand(QPainter& painter)
                                   .arg(std::fmod(*m_aim.track * 180.0 / kPi + 360.0, 360.0), 0, 'f', 0);
         drawNote(painter, pixelOf(m_aim.point) + QPointF(14, 26), words);
     }
-    painter.setPen(QPen(colors.band, 1, Qt::DashLine));
+    const Contrasting contrasting(painter);
+    painter.setPen(QPen(kContrastBand, 1, Qt::DashLine));
     painter.setBrush(Qt::NoBrush);
     if (m_prompt->kind == KcEdPrompt::Kind::Corner) {
         const KcGePoint3d a = *m_prompt->base, b = m_aim.point;
@@ -97,13 +127,13 @@ void KcUiCanvas::drawCursor(QPainter& painter)
 {
     if (!m_inside || m_panFrom)
         return;
-    const KcUiPalette& colors = kcuiPalette(m_dark);
+    const Contrasting contrasting(painter);
     // Along the axes of the user coordinate system, which ortho and windows go by.
     const KcGeVector3d axis
         = m_document ? m_document->database().ucsToWorld() * KcGeVector3d::kXAxis : KcGeVector3d::kXAxis;
     const double turn = -std::atan2(axis.y, axis.x) * 180.0 / kPi;
     painter.setRenderHint(QPainter::Antialiasing, turn != 0.0); // exact: turned at all
-    painter.setPen(colors.cursor);
+    painter.setPen(kContrast);
     painter.setBrush(Qt::NoBrush);
     const QPointF at(std::floor(m_pixel.x()) + 0.5, std::floor(m_pixel.y()) + 0.5);
     const double box = kcedVarReal("PICKBOX", 3.0);
@@ -225,7 +255,7 @@ void KcUiCanvas::drawAxes(QPainter& painter)
 {
     if (!m_document)
         return;
-    const KcUiPalette& colors = kcuiPalette(m_dark);
+    const Contrasting contrasting(painter);
     const KcGeMatrix3d ucs = m_document->database().ucsToWorld();
     const struct {
         KcGeVector3d axis;
@@ -236,7 +266,7 @@ void KcUiCanvas::drawAxes(QPainter& painter)
     const QPointF origin(
         kAxisCorner + kAxisPixels * std::max({ 0.0, -x.x, -y.x }),
         height() - kAxisCorner - kAxisPixels * std::max({ 0.0, -x.y, -y.y }));
-    painter.setPen(QPen(colors.text, 1.5));
+    painter.setPen(QPen(kContrast, 1.5));
     for (const auto& [axis, name] : axes) {
         const KcGeVector3d direction = ucs * axis;
         if (!(std::hypot(direction.x, direction.y) > KcGeContext::gTol.equalVector))

@@ -4,7 +4,10 @@
 #include <QColor>
 
 struct KcUiPalette {
-    QColor background, cursor, text, grip, mark, window, crossing, band, snap, hotGrip, reachedGrip;
+    QColor background, grip, hotGrip, reachedGrip;
+    QColor mark; ///< of what is selected
+    QColor window, crossing; ///< selection rectangles
+    QColor snap; ///< markers and tracking lines
 };
 
 /// So near to a grip, in pixels to each side, the cursor takes hold of it.

@@ -19,7 +19,8 @@ struct KcGiSceneOptions {
     QRgb background = 0xffffffff; ///< colour 7 is drawn black on light ones and white on dark ones
     bool plotting = false; ///< layers that are not plotted are left out
     double unitsPerMillimetre = 0.0; ///< device units, for line weights; 0: all lines are thin
-    std::optional<QRgb> oneColor; ///< for marks: everything in this colour
+    std::optional<QRgb>
+        oneColor; ///< for marks: everything in this colour, areas as outlines under a veil of it
     /// Asked now and then; true stops the drawing where it is.
     std::function<bool()> cancelled;
     /// Told how many of how many entities of the space are drawn.
@@ -127,6 +128,7 @@ private:
     int inheritedWeight() const;
     void drawModel(const KcDbViewport& viewport);
     QPainterPath plane(const KcGiPath& path) const;
+    void markArea(const KcGiPath& path);
     void dash(const KcGiPath& path, Stroke options);
     bool isStopped();
 

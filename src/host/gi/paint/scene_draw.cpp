@@ -112,17 +112,29 @@ void KcGiScene::stroke(const KcGiPath& path, Stroke options)
     m_device.strokeLines(pieces, pen);
 }
 
+// The outline says what is marked; what lies below stays to be seen.
+void KcGiScene::markArea(const KcGiPath& path)
+{
+    constexpr int kVeil = 70; // of 255
+    m_device.fill(plane(path), (m_traits.color & 0xffffffu) | QRgb(kVeil) << 24);
+    const bool wasContinuous = std::exchange(m_traits.continuous, true);
+    stroke(path, {});
+    m_traits.continuous = wasContinuous;
+}
+
 void KcGiScene::fill(const KcGiPath& path)
 {
+    if (m_options.oneColor)
+        return markArea(path);
     m_device.fill(plane(path), m_traits.color);
 }
 
 void KcGiScene::fill(const KcGiPath& path, const KcGiGradient& gradient)
 {
+    if (m_options.oneColor)
+        return markArea(path);
     const QPainterPath area = plane(path);
     const QRectF box = area.boundingRect();
-    if (m_options.oneColor)
-        return m_device.fill(area, m_traits.color);
     QColor from = QColor::fromRgb(gradient.from), to = QColor::fromRgb(gradient.to);
     from.setAlpha(qAlpha(m_traits.color));
     to.setAlpha(qAlpha(m_traits.color));
