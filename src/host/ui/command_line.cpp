@@ -51,6 +51,10 @@ KcUiCommandLine::KcUiCommandLine(KcUiWindowSource& source, QWidget* parent)
     m_field->setObjectName(QStringLiteral("field"));
     m_field->setAccessibleName(QStringLiteral("Command line"));
     m_field->setPlaceholderText(QStringLiteral("Type a command or an answer"));
+    // Where a long question leaves little room, it gives way to the answer; the history shows it whole.
+    constexpr int kAnswerCharacters = 24;
+    m_field->setMinimumWidth(m_field->fontMetrics().averageCharWidth() * kAnswerCharacters);
+    m_prompt->setMinimumWidth(1);
     m_field->installEventFilter(this);
     m_history->installEventFilter(this);
 
