@@ -234,6 +234,10 @@ TEST(Selection, APickPrefersLinesToFilledInsides)
     EXPECT_EQ(kcedEntityAt({ 50, 20, 0 }), area);
     EXPECT_TRUE(kcedEntityAt({ 150, 20, 0 }).isNull());
     EXPECT_EQ(kcedEntityAt({ 50, 50, 0 }, kcutBuildList(0, "HATCH")), area);
+    const KcGePoint3d middle{ 50, 50, 0 };
+    KcEdSelectionSet set;
+    EXPECT_EQ(kcedSSGet({}, &middle, nullptr, kcutBuildList(0, "HATCH"), set), kcedNormal);
+    EXPECT_EQ(set.ids(), std::vector{ area });
 }
 
 TEST(Selection, LinesAddUpInOrderWithoutDoubles)

@@ -84,6 +84,39 @@ TEST_F(Hand, SelectsWhatWasDrawnOnTheScreenInATurnedCoordinateSystem)
     });
 }
 
+// In a dense plan the object on top is seldom the one that a command can use.
+TEST_F(Hand, PicksWhatTheCommandCanUse)
+{
+    const KcDbObjectId circle = add(std::make_unique<KcDbCircle>(KcGePoint3d{ 50, 50, 0 }, 20));
+    const KcDbObjectId line = addLine(70, 40, 70, 60);
+    KcEdEntityRequest request;
+    request.filter = kcutBuildList(0, "CIRCLE");
+    KcEdSelectionSet set;
+    KcEdEntityAnswer answer;
+    command([&] {
+        EXPECT_EQ(kcedSSGet({}, nullptr, nullptr, request.filter, set), kcedNormal);
+        answer = kcedSelectEntity(request);
+    });
+    run({
+        [&] { type("tested\r"); },
+        [&] { click(70, 50); },
+        [&] { press(Qt::Key_Return); },
+        [&] {
+            EXPECT_EQ(set.ids(), std::vector{ circle });
+            click(70, 42);
+        },
+        [&] {
+            EXPECT_TRUE(history().contains("(LINE) cannot be chosen here")) << history();
+            click(70, 50);
+        },
+        [&] {
+            EXPECT_EQ(answer.id, circle);
+            click(70, 50);
+        },
+        [&] { EXPECT_EQ(document().pickFirst.ids(), std::vector{ line }); },
+    });
+}
+
 // Fault: a picture that is moved while panning and is not what drawing it anew would show.
 TEST_F(Hand, PansAsIfDrawnAnew)
 {

@@ -90,6 +90,8 @@ struct KcEdPrompt {
     std::optional<KcGePoint3d> base; ///< user coordinates; where a rubber band or rectangle begins
     /// Refuses an answer that has the right form for another reason, by a sentence; an empty text accepts.
     std::function<QString(const KcEdAnswer&)> check;
+    /// What a pick at a point may take, the best first; user coordinates. Without it, whatever lies there.
+    std::function<std::vector<KcDbObjectId>(KcGePoint3d)> under;
     /// Told where the cursor is while the prompt waits, user coordinates; with it "~x,y" moves the cursor.
     std::function<void(KcGePoint3d)> drag;
 };

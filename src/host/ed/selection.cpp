@@ -124,6 +124,32 @@ KcEdPickRegion pickBox(const KcDbDatabase& database, KcGePoint3d point)
           { p.x - half, p.y + half } });
 }
 
+Ids entitiesAt(KcGePoint3d point, const KcEdCompiledFilter& filter)
+{
+    KcDbDatabase* database = kcedCurrentDatabase();
+    if (!database)
+        return {};
+    const KcEdPickRegion box = pickBox(*database, point);
+    KcEdPickGeometry geometry(std::max(kcedPickBoxSize() / 8.0, KcGeContext::gTol.equalPoint));
+    Ids byLine, byInside;
+    for (const KcDbObjectId id : inRegion(*database, box, filter)) {
+        const KcDbRead<KcDbEntity> entity(id);
+        switch (box.touches(geometry.pieces(*entity))) {
+        case KcEdPickRegion::Touch::Line:
+            byLine.push_back(id);
+            break;
+        case KcEdPickRegion::Touch::Inside:
+            byInside.push_back(id);
+            break;
+        case KcEdPickRegion::Touch::None:
+            break;
+        }
+    }
+    std::reverse(byLine.begin(), byLine.end());
+    byLine.insert(byLine.end(), byInside.rbegin(), byInside.rend());
+    return byLine;
+}
+
 Found entitiesByHandle(const KcDbDatabase& database, const std::vector<KcDbHandle>& handles)
 {
     Found found;
@@ -170,8 +196,9 @@ Found evaluate(KcApDocument& document, const KcEdSelectionLine& line, const KcEd
         return found;
     }
     case Mode::Point: {
-        const KcDbObjectId id = kcedEntityAt(line.points[0]);
-        return { id.isNull() ? Ids() : passing({ id }, filter), {} };
+        Ids ids = entitiesAt(line.points[0], filter);
+        ids.resize(std::min<size_t>(ids.size(), 1));
+        return { std::move(ids), {} };
     }
     case Mode::Add:
     case Mode::Remove:
@@ -313,29 +340,7 @@ double kcedPickBoxSize()
 
 std::vector<KcDbObjectId> kcedEntitiesAt(KcGePoint3d point, const KcEdFilter& filter)
 {
-    KcDbDatabase* database = kcedCurrentDatabase();
-    if (!database)
-        return {};
-    const KcEdPickRegion box = pickBox(*database, point);
-    const KcEdCompiledFilter compiled(filter);
-    KcEdPickGeometry geometry(std::max(kcedPickBoxSize() / 8.0, KcGeContext::gTol.equalPoint));
-    Ids byLine, byInside;
-    for (const KcDbObjectId id : inRegion(*database, box, compiled)) {
-        const KcDbRead<KcDbEntity> entity(id);
-        switch (box.touches(geometry.pieces(*entity))) {
-        case KcEdPickRegion::Touch::Line:
-            byLine.push_back(id);
-            break;
-        case KcEdPickRegion::Touch::Inside:
-            byInside.push_back(id);
-            break;
-        case KcEdPickRegion::Touch::None:
-            break;
-        }
-    }
-    std::reverse(byLine.begin(), byLine.end());
-    byLine.insert(byLine.end(), byInside.rbegin(), byInside.rend());
-    return byLine;
+    return entitiesAt(point, KcEdCompiledFilter(filter));
 }
 
 KcDbObjectId kcedEntityAt(KcGePoint3d point, const KcEdFilter& filter)
@@ -367,6 +372,7 @@ KcEdSelectionAnswer kcedSelect(const KcEdSelectionRequest& request)
 
     KcEdPrompt prompt = request.prompt;
     prompt.kind = KcEdPrompt::Kind::Selection;
+    prompt.under = [&](KcGePoint3d point) { return entitiesAt(point, filter); };
     bool removes = false;
     const auto take = [&](KcEdSelectionLine line) {
         line.removes |= removes;
@@ -421,6 +427,11 @@ KcEdEntityAnswer kcedSelectEntity(const KcEdEntityRequest& request)
     const KcDbDatabase& database = document->database();
     KcEdPrompt prompt = request.prompt;
     prompt.kind = KcEdPrompt::Kind::Entity;
+    // Where nothing lies that could be chosen, what does is named in the refusal.
+    prompt.under = [&](KcGePoint3d point) {
+        const Ids wanted = entitiesAt(point, filter);
+        return wanted.empty() ? kcedEntitiesAt(point) : wanted;
+    };
     prompt.check = [&](const KcEdAnswer& typed) -> QString {
         const auto* pick = std::get_if<KcEdPick>(&typed);
         if (!pick)
@@ -431,9 +442,10 @@ KcEdEntityAnswer kcedSelectEntity(const KcEdEntityRequest& request)
                 return found.refusal;
             answer.id = found.ids.front();
         } else {
-            answer.id = kcedEntityAt(*pick->point);
-            if (answer.id.isNull())
+            const Ids ids = prompt.under(*pick->point);
+            if (ids.empty())
                 return QStringLiteral("Nothing lies at that point.");
+            answer.id = ids.front();
         }
         const KcDbRead<KcDbEntity> entity(answer.id);
         if (!filter.passes(*entity))

@@ -463,7 +463,8 @@ bool KcUiCanvas::pickUnder(QPointF pixel, Qt::KeyboardModifiers keys)
 
 KcDbObjectId KcUiCanvas::entityUnder(QPointF pixel)
 {
-    m_under = kcedEntitiesAt(inUcs(pixel));
+    const KcGePoint3d point = inUcs(pixel);
+    m_under = m_prompt && m_prompt->under ? m_prompt->under(point) : kcedEntitiesAt(point);
     m_underAt = 0;
     return m_under.empty() ? KcDbObjectId() : m_under.front();
 }
