@@ -11,6 +11,8 @@
 #include "db/wipeout.h"
 #include "ed/console.h"
 #include "ed/documents.h"
+#include "ed/input.h"
+#include "ed/jig.h"
 #include "ed/region_at.h"
 #include "ed/selection.h"
 
@@ -88,25 +90,6 @@ size_t appendLoops(KcDbHatch& hatch, const std::vector<KcDbObjectId>& ids)
     return hatch.numLoops();
 }
 
-/// The regions around the points that the user gives; none when he gave up.
-std::vector<KcEdRegionAt> askRegions()
-{
-    std::vector<KcEdRegionAt> regions;
-    for (;;) {
-        KcGePoint3d point;
-        const KcEdStatus status = kcedGetPoint(nullptr, QStringLiteral("\nInternal point: "), point);
-        if (status == kcedCancel)
-            return {};
-        if (status != kcedNormal)
-            return regions;
-        KcEdRegionAt region = kcedRegionAt(database(), (database().ucsToWorld() * point).plan());
-        if (region.reason.isEmpty())
-            regions.push_back(std::move(region));
-        else
-            kcedSay(region.reason);
-    }
-}
-
 void appendOutline(KcDbHatch& hatch, int type, const std::vector<KcGeSegment2d>& outline)
 {
     std::vector<KcGePoint2d> points;
@@ -123,6 +106,50 @@ void appendRegion(KcDbHatch& hatch, const KcEdRegionAt& region)
     appendOutline(hatch, KcDbHatch::kExternal, region.outline);
     for (const auto& island : region.islands)
         appendOutline(hatch, KcDbHatch::kOutermost, island);
+}
+
+/// A hatch of these regions, not evaluated yet.
+std::unique_ptr<KcDbHatch> makeHatch(const HatchDefaults& values, const std::vector<KcEdRegionAt>& regions)
+{
+    auto hatch = std::make_unique<KcDbHatch>();
+    hatch->setAssociative(regions.empty()); // there are no curves of their own to follow
+    hatch->setPattern(KcDbHatch::kPreDefined, values.pattern);
+    hatch->setPatternScale(values.scale);
+    hatch->setPatternAngle(values.degrees * kPi / 180.0);
+    for (const KcEdRegionAt& region : regions)
+        appendRegion(*hatch, region);
+    return hatch;
+}
+
+/// The regions around the points that the user gives; none when he gave up.
+std::vector<KcEdRegionAt> askRegions(const HatchDefaults& values)
+{
+    std::vector<KcEdRegionAt> regions;
+    std::unique_ptr<KcDbHatch> shown; // what is chosen so far
+    for (;;) {
+        KcGePoint3d point;
+        kcedInitPreview([&](KcGePoint3d) {
+            KcEdPreview preview;
+            if (shown)
+                preview.emplace_back(static_cast<KcDbEntity*>(shown->copy().release()));
+            return preview;
+        });
+        const KcEdStatus status = kcedGetPoint(nullptr, QStringLiteral("\nInternal point: "), point);
+        if (status == kcedCancel)
+            return {};
+        if (status != kcedNormal)
+            return regions;
+        KcEdRegionAt region = kcedRegionAt(database(), (database().ucsToWorld() * point).plan());
+        if (!region.reason.isEmpty()) {
+            kcedSay(region.reason);
+            continue;
+        }
+        regions.push_back(std::move(region));
+        shown = makeHatch(values, regions);
+        shown->setDatabaseDefaults(database());
+        if (shown->evaluateHatch(&database()) != Kcad::eOk)
+            shown.reset(); // said when all are chosen
+    }
 }
 
 KcDbObjectId append(std::unique_ptr<KcDbEntity> entity)
@@ -165,6 +192,17 @@ std::vector<KcGePoint3d> askPoints(KcGePoint3d first)
     std::vector<KcGePoint3d> points{ toWorld * first };
     KcGePoint3d last = first, next;
     for (;;) {
+        kcedInitPreview([&](KcGePoint3d cursor) {
+            auto outline = std::make_unique<KcDbPolyline>();
+            for (const KcGePoint3d point : points)
+                outline->addVertex(point.plan());
+            outline->addVertex((toWorld * cursor).plan());
+            outline->setClosed(true);
+            outline->setDatabaseDefaults(database());
+            KcEdPreview preview;
+            preview.push_back(std::move(outline));
+            return preview;
+        });
         const KcEdStatus status = kcedGetPoint(&last, QStringLiteral("\nNext point: "), next);
         if (status == kcedCancel)
             return {};
@@ -189,18 +227,12 @@ void kcedHatch()
     const KcEdSelectionAnswer selected = kcedSelect(request);
     std::vector<KcEdRegionAt> regions;
     if (selected.status == kcedKeyword)
-        regions = askRegions();
+        regions = askRegions(values);
     if (selected.status != kcedNormal && regions.empty())
         return;
     defaults() = values;
 
-    auto hatch = std::make_unique<KcDbHatch>();
-    hatch->setAssociative(regions.empty()); // there are no curves of their own to follow
-    hatch->setPattern(KcDbHatch::kPreDefined, values.pattern);
-    hatch->setPatternScale(values.scale);
-    hatch->setPatternAngle(values.degrees * kPi / 180.0);
-    for (const KcEdRegionAt& region : regions)
-        appendRegion(*hatch, region);
+    auto hatch = makeHatch(values, regions);
     if (regions.empty() && appendLoops(*hatch, selected.set.ids()) == 0)
         return kcedSay(QStringLiteral("Nothing selected encloses an area."));
     if (const auto status = hatch->evaluateHatch(&database()); status != Kcad::eOk)

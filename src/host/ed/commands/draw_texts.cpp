@@ -74,14 +74,15 @@ double fixedHeight(KcDbObjectId style)
     return record ? record->data().fixedHeight : 0.0;
 }
 
-/// The height of the style, where it has one, else what the user says; nothing when he gave up.
-std::optional<double> askHeight(KcDbObjectId style)
+/// The height of the style, where it has one, else what the user says, by a number or a point above the first
+/// one; nothing when he gave up.
+std::optional<double> askHeight(KcDbObjectId style, KcGePoint3d start)
 {
     if (const double fixed = fixedHeight(style); fixed > 0.0)
         return fixed;
     double height = kcedVarReal(QStringLiteral("TEXTSIZE"), 2.5);
     kcedInitGet(KcEdPrompt::kNoZero | KcEdPrompt::kNoNegative);
-    if (kcedGetDist(nullptr, QStringLiteral("\nHeight%1: ").arg(offered(height)), height) == kcedCancel)
+    if (kcedGetDist(&start, QStringLiteral("\nHeight%1: ").arg(offered(height)), height) == kcedCancel)
         return {};
     return height;
 }
@@ -142,7 +143,7 @@ void hand::text()
         if (!justification || style.isNull())
             return;
     }
-    const auto height = askHeight(style);
+    const auto height = askHeight(style, start);
     if (!height)
         return;
     double rotation = lastRotation();

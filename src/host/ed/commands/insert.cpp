@@ -68,26 +68,31 @@ struct Value {
     QString text;
 };
 
-/// The values of a block's attributes; nothing when the user gave up.
-std::optional<std::vector<Value>> askAttributes(KcDbObjectId block)
+/// The values that the attributes of a block begin with, those that never change left out.
+std::vector<Value> offeredValues(KcDbObjectId block)
 {
     std::vector<Value> values;
     const KcDbRead<KcDbBlockTableRecord> record(block);
+    for (const KcDbObjectId id : record->entityIds())
+        if (const KcDbRead<KcDbAttributeDefinition> definition(id);
+            definition && !definition->isConstant())
+            values.push_back({ id, definition->textString() });
+    return values;
+}
+
+/// The values of a block's attributes; nothing when the user gave up.
+std::optional<std::vector<Value>> askAttributes(KcDbObjectId block)
+{
     constexpr int kPreset = 8;
-    for (const KcDbObjectId id : record->entityIds()) {
-        const KcDbRead<KcDbAttributeDefinition> definition(id);
-        if (!definition || definition->isConstant())
-            continue;
-        QString value = definition->textString();
-        if (!(definition->attribute().flags & kPreset)) {
-            const QString question = definition->attribute().prompt.isEmpty()
-                ? definition->attribute().tag
-                : definition->attribute().prompt;
-            if (kcedGetString(true, QStringLiteral("\n%1%2: ").arg(question, offered(value)), value)
+    std::vector<Value> values = offeredValues(block);
+    for (Value& value : values) {
+        const KcDbRead<KcDbAttributeDefinition> definition(value.definition);
+        const auto& attribute = definition->attribute();
+        const QString question = attribute.prompt.isEmpty() ? attribute.tag : attribute.prompt;
+        if (!(attribute.flags & kPreset)
+            && kcedGetString(true, QStringLiteral("\n%1%2: ").arg(question, offered(value.text)), value.text)
                 == kcedCancel)
-                return {};
-        }
-        values.push_back({ id, value });
+            return {};
     }
     return values;
 }
@@ -114,6 +119,20 @@ makeReference(KcDbObjectId block, KcGePoint3d at, KcGeVector3d scale, double rot
     return reference;
 }
 
+/// The reference with the values that its attributes are offered.
+KcEdPreview sketchReference(KcDbObjectId block, KcGePoint3d at, KcGeVector3d scale, double rotation)
+{
+    auto reference = makeReference(block, at, scale, rotation);
+    const KcGeMatrix3d place = database().ucsToWorld() * reference->blockTransform();
+    KcEdPreview preview = sketch(std::move(reference));
+    for (const Value& value : offeredValues(block)) {
+        auto attribute = attributeOf(value, place);
+        attribute->setTextString(value.text);
+        preview.push_back(std::move(attribute));
+    }
+    return preview;
+}
+
 } // namespace
 
 void hand::insert()
@@ -131,7 +150,7 @@ void hand::insert()
     for (;;) {
         kcedInitGet(KcEdPrompt::kNoEmpty, QStringLiteral("Scale Rotate _ Scale Rotate"));
         kcedInitPreview(
-            [&](KcGePoint3d cursor) { return sketch(makeReference(block, cursor, scale, rotation)); });
+            [&](KcGePoint3d cursor) { return sketchReference(block, cursor, scale, rotation); });
         const KcEdStatus status
             = kcedGetPoint(nullptr, QStringLiteral("\nInsertion point or [Scale/Rotate]: "), at);
         if (status == kcedNormal)
@@ -163,7 +182,7 @@ void hand::insert()
     }
     if (asksRotation)
         kcedInitPreview([&](KcGePoint3d cursor) {
-            return sketch(makeReference(block, at, scale, (cursor.plan() - at.plan()).angle()));
+            return sketchReference(block, at, scale, (cursor.plan() - at.plan()).angle());
         });
     if (asksRotation && kcedGetAngle(&at, QStringLiteral("\nRotation angle <0>: "), rotation) == kcedCancel)
         return;

@@ -2,6 +2,7 @@
 
 #include "ed/commands/tools.h"
 
+#include "db/block_reference.h"
 #include "db/block_table_record.h"
 #include "db/polyline.h"
 #include "ed/copy_entity.h"
@@ -125,6 +126,10 @@ Ghosts::Ghosts(const std::vector<KcDbObjectId>& ids)
         if (m_copies.size() < kMost) {
             if (auto copy = kcedDetachedCopy(id))
                 m_copies.push_back(std::move(copy));
+            if (const KcDbRead<KcDbBlockReference> reference(id); reference)
+                for (const KcDbObjectId attribute : reference->attributes())
+                    if (auto copy = kcedDetachedCopy(attribute))
+                        m_copies.push_back(std::move(copy));
         }
         if (ids.size() > kMost)
             if (const KcDbRead<KcDbEntity> entity(id); entity)
