@@ -74,8 +74,7 @@ std::vector<Value> offeredValues(KcDbObjectId block)
     std::vector<Value> values;
     const KcDbRead<KcDbBlockTableRecord> record(block);
     for (const KcDbObjectId id : record->entityIds())
-        if (const KcDbRead<KcDbAttributeDefinition> definition(id);
-            definition && !definition->isConstant())
+        if (const KcDbRead<KcDbAttributeDefinition> definition(id); definition && !definition->isConstant())
             values.push_back({ id, definition->textString() });
     return values;
 }
@@ -149,8 +148,7 @@ void hand::insert()
     KcGePoint3d at;
     for (;;) {
         kcedInitGet(KcEdPrompt::kNoEmpty, QStringLiteral("Scale Rotate _ Scale Rotate"));
-        kcedInitPreview(
-            [&](KcGePoint3d cursor) { return sketchReference(block, cursor, scale, rotation); });
+        kcedInitPreview([&](KcGePoint3d cursor) { return sketchReference(block, cursor, scale, rotation); });
         const KcEdStatus status
             = kcedGetPoint(nullptr, QStringLiteral("\nInsertion point or [Scale/Rotate]: "), at);
         if (status == kcedNormal)
