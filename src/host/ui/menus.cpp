@@ -212,7 +212,7 @@ void KcUiMainWindow::makeMenus()
     file->addSeparator();
     add(file, QStringLiteral("&Save"), QKeySequence::Save,
         [this] { kcedRequest(KcEdWish::Change, [this] { save(); }); });
-    add(file, QStringLiteral("Save &as…"), QKeySequence::SaveAs,
+    add(file, QStringLiteral("Save &as…"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
         [this] { kcedRequest(KcEdWish::Change, [this] { saveAs(); }); });
     if (kcedCommandStack().lookup(QStringLiteral("PLOT")))
         add(file, QStringLiteral("&Plot…"), QKeySequence::Print,
