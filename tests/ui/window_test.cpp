@@ -107,21 +107,26 @@ TEST_F(Hand, TypedAnswers)
 }
 
 // What is done quickly one after the other, before the window has drawn breath, reaches the prompts in order:
-// a click right behind Enter is no selection for the prompt that Enter has ended.
+// a click right behind Enter is no selection for the prompt that Enter has ended, a second Enter no repeated
+// command, and a blank ends no text.
 TEST_F(Hand, QuickHandsAnswerTheNextQuestion)
 {
     addLine(40, 50, 60, 50);
     KcEdSelectionSet chosen;
     KcGePoint3d point;
-    QString text;
+    int number = 1;
+    QString name, text;
     command([&] {
+        EXPECT_EQ(kcedGetString(true, QStringLiteral("\nName: "), name), kcedNormal);
+        EXPECT_EQ(kcedGetInt(QStringLiteral("\nNumber <1>: "), number), kcedNone);
         EXPECT_EQ(kcedSSGet({}, nullptr, nullptr, {}, chosen), kcedNormal);
         EXPECT_EQ(kcedGetPoint(nullptr, QStringLiteral("\nPoint: "), point), kcedNormal);
         EXPECT_EQ(kcedGetString(false, QStringLiteral("\nText: "), text), kcedNormal);
     });
     run({
-        [&] { type("tested\r"); },
+        [&] { type("tested\ra b\r\r"); },
         [&] {
+            EXPECT_EQ(name, "a b");
             click(50, 50);
             press(Qt::Key_Return);
             click(20, 30);

@@ -7,12 +7,14 @@
 
 #include <QAbstractItemView>
 #include <QCompleter>
+#include <QCoreApplication>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTextCursor>
@@ -155,8 +157,25 @@ void KcUiCommandLine::setCompletions(const QStringList& names)
     m_completer->popup()->installEventFilter(this);
 }
 
+// What is typed right behind an answer is for the question after it: only then is it known what a blank or
+// Enter means. Escape is for everything that waits.
+bool KcUiCommandLine::typedAhead(QWidget* receiver, const QEvent& event)
+{
+    const bool isKey
+        = event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() != Qt::Key_Escape;
+    if (!m_source.isAnswered() || (!isKey && event.type() != QEvent::InputMethod))
+        return false;
+    m_source.pushWhenAsked([receiver = QPointer(receiver), later = std::shared_ptr<QEvent>(event.clone())] {
+        if (receiver)
+            QCoreApplication::sendEvent(receiver, later.get());
+    });
+    return true;
+}
+
 void KcUiCommandLine::type(QKeyEvent* event)
 {
+    if (typedAhead(m_field, *event))
+        return;
     if (keyPressed(event))
         return;
     if (!event->text().isEmpty() && event->text().front().isPrint()
@@ -284,6 +303,8 @@ bool KcUiCommandLine::eventFilter(QObject* watched, QEvent* event)
             return true;
         }
     }
+    if (watched == m_field && typedAhead(m_field, *event))
+        return true;
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
