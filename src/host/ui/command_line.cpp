@@ -303,7 +303,8 @@ bool KcUiCommandLine::eventFilter(QObject* watched, QEvent* event)
             return true;
         }
     }
-    if (watched == m_field && typedAhead(m_field, *event))
+    // A list of names that has just been closed still gets the keys that were on their way to it.
+    if ((watched == m_field || watched == m_completer->popup()) && typedAhead(m_field, *event))
         return true;
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);
