@@ -89,7 +89,8 @@ protected:
                 press({ "Return" });
         }
     }
-    void press(const QStringList& keys) { hand(QStringList{ "key" } + keys); }
+    /// As quickly as a hand does it.
+    void press(const QStringList& keys) { hand(QStringList{ "key", "--delay", "80" } + keys); }
     static QStringList to(int x, int y) { return { "mousemove", QString::number(x), QString::number(y) }; }
 
     qsizetype tables(const QString& drawing)
@@ -121,8 +122,8 @@ TEST_F(WindowByHand, CountsSetsUpPlotsAndSaves)
     press({ "Home" });
     type("TREENUMTOTABLE\n");
     hand(
-        to(12, 90) + QStringList{ "mousedown", "1" } + to(300, 300) + to(760, 610)
-        + QStringList{ "mouseup", "1" });
+        QStringList{ "sleep", "0.3" } + to(12, 90) + QStringList{ "mousedown", "1" } + to(300, 300)
+        + to(760, 610) + QStringList{ "mouseup", "1" });
     press({ "Return" });
     hand(to(400, 300) + QStringList{ "click", "1" });
     ASSERT_TRUE(goTo("^plan.dxf[*]"));
