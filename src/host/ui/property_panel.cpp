@@ -207,11 +207,13 @@ void KcUiPropertyPanel::addLinks(const KcDbEntity& entity)
         for (const KcDbDictionary::Entry& entry : extension->data().entries) {
             QStringList values;
             const KcDbRead<KcDbObject> object(entry.id);
+            // Of an object that a module defines, what it refers to says enough.
+            const bool isOurs = object && object->isKindOf(KcDbModuleObject::desc());
             if (object && object->isKindOf(KcDbXrecord::desc()))
                 for (const KcDbTypedValue& value : static_cast<const KcDbXrecord&>(*object).values()) {
                     if (const auto* id = std::get_if<KcDbObjectId>(&value.value); id && !id->isNull())
                         values += objectTitle(*id);
-                    else if (const QString text = value.text(); !text.isEmpty())
+                    else if (const QString text = value.text(); !text.isEmpty() && !isOurs)
                         values += text;
                 }
             add(kcedTagName(entry.name).name, values.mid(0, kMostItems).join(QStringLiteral("; ")));
