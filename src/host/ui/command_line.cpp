@@ -163,7 +163,8 @@ bool KcUiCommandLine::typedAhead(QWidget* receiver, const QEvent& event)
 {
     const bool isKey
         = event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() != Qt::Key_Escape;
-    if (!m_source.isAnswered() || (!isKey && event.type() != QEvent::InputMethod))
+    // In this order: a window that is being destroyed has no source any more, and still hides its parts.
+    if ((!isKey && event.type() != QEvent::InputMethod) || !m_source.isAnswered())
         return false;
     m_source.pushWhenAsked([receiver = QPointer(receiver), later = std::shared_ptr<QEvent>(event.clone())] {
         if (receiver)
