@@ -2,7 +2,7 @@
 
 #include "core/draw.h"
 #include "core/long_work.h"
-#include "core/selection.h"
+#include "ed/command_stack.h"
 #include "ed/console.h"
 #include "ed/documents.h"
 #include "planting/commands.h"
@@ -29,7 +29,7 @@ void drawTreeArray()
             circles.push_back(NewCircle({ tree.x, tree.y, outline->elevation }, array->radius));
             if (meter.advance())
                 continue;
-            CSs(std::move(circles)).Delete();
+            kcedTakeBackRound();
             return kcedSay(QStringLiteral("已停止，未生成树阵。"));
         }
     constexpr size_t kFewestArcs = 3;

@@ -233,6 +233,37 @@ TEST_F(LongWorkInTheWindow, RowsAndCountsAreStopped)
     });
 }
 
+// Half a tree array is of no use: nothing of it stays, and there is nothing to undo.
+TEST_F(LongWorkInTheWindow, AStoppedTreeArrayLeavesNoTrace)
+{
+    const auto line = [&](const QString& text) { return [this, text] { type(text + QLatin1Char('\r')); }; };
+    bool stopped = false;
+    const Onlooker onlooker([&] {
+        if (stop().isVisible() && bar().value() >= 30) {
+            EXPECT_GT(entities(), 1000u);
+            stopped = true;
+            QTest::mouseClick(&stop(), Qt::LeftButton);
+        }
+    });
+    run({
+        line("CLOUDLINE"),
+        line("0,0"),
+        line("300000,0"),
+        line("300000,300000"),
+        line("0,300000"),
+        [&] { press(Qt::Key_Return); },
+        line("CIRCLES"),
+        line("2500,-1250"),
+        [&] {
+            EXPECT_TRUE(stopped);
+            EXPECT_TRUE(history().contains("已停止")) << history();
+            EXPECT_EQ(entities(), 1u);
+            type("U\r");
+        },
+        [&] { EXPECT_EQ(entities(), 0u); },
+    });
+}
+
 // A button of a dialog pressed again while its work runs would begin the work in the midst of itself.
 TEST_F(LongWorkInTheWindow, DialogsHearNothingUntilTheirWorkIsDone)
 {

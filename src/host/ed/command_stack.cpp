@@ -30,6 +30,11 @@ void kcedRoundCompleted()
     kcedCommandStack().roundCompleted();
 }
 
+void kcedTakeBackRound()
+{
+    kcedCommandStack().takeBackRound();
+}
+
 void KcEdCommandStack::addCommand(
     const QString& group, const QString& globalName, const QString& localName, int flags,
     std::function<void()> handler)
@@ -127,6 +132,13 @@ void KcEdCommandStack::roundCompleted()
     KcDbDatabase* database = kcedCurrentDatabase();
     if (database && !m_frames.empty())
         m_frames.back().undoMark = database->undo().mark();
+}
+
+void KcEdCommandStack::takeBackRound()
+{
+    KcDbDatabase* database = kcedCurrentDatabase();
+    if (database && database->undo().isRecording() && !m_frames.empty())
+        database->undo().rollBackTo(m_frames.back().undoMark);
 }
 
 KcEdSelectionSet KcEdCommandStack::takePickFirst()

@@ -49,8 +49,8 @@ public:
     /// Removes all commands of a group, however often it was added; false when there was none.
     bool removeGroup(const QString& group);
 
-    /// The command of that global or local name, or alias, without regard to case; a leading "_", "." or "'" is left
-    /// aside. Null when there is none.
+    /// The command of that global or local name, or alias, without regard to case; a leading "_", "." or "'"
+    /// is left aside. Null when there is none.
     const KcEdCommand* lookup(const QString& name) const;
     const std::vector<std::unique_ptr<KcEdCommand>>& commands() const { return m_commands; }
 
@@ -65,6 +65,8 @@ public:
 
     /// Called by a command that works in rounds when one is complete: a later failure leaves it.
     void roundCompleted();
+    /// Takes back what the running command did to the drawing since then.
+    void takeBackRound();
     /// The selection made before the running command, once; empty when there is none or it was taken.
     KcEdSelectionSet takePickFirst();
 
@@ -85,3 +87,6 @@ private:
 KcEdCommandStack& kcedCommandStack();
 /// Marks a completed round of the running command.
 void kcedRoundCompleted();
+/// Takes back what the running command did to the drawing since its last completed round, or its beginning:
+/// for work that the user stops and that is of no use unfinished.
+void kcedTakeBackRound();

@@ -14,7 +14,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QScrollBar>
 #include <QStringListModel>
 #include <QTextCursor>
@@ -159,23 +158,22 @@ void KcUiCommandLine::setCompletions(const QStringList& names)
 
 // What is typed right behind an answer is for the question after it: only then is it known what a blank or
 // Enter means. Escape is for everything that waits.
-bool KcUiCommandLine::typedAhead(QWidget* receiver, const QEvent& event)
+bool KcUiCommandLine::typedAhead(const QEvent& event)
 {
     const bool isKey
         = event.type() == QEvent::KeyPress && static_cast<const QKeyEvent&>(event).key() != Qt::Key_Escape;
     // In this order: a window that is being destroyed has no source any more, and still hides its parts.
     if ((!isKey && event.type() != QEvent::InputMethod) || !m_source.isAnswered())
         return false;
-    m_source.pushWhenAsked([receiver = QPointer(receiver), later = std::shared_ptr<QEvent>(event.clone())] {
-        if (receiver)
-            QCoreApplication::sendEvent(receiver, later.get());
+    m_source.pushWhenAsked([this, later = std::shared_ptr<QEvent>(event.clone())] {
+        QCoreApplication::sendEvent(m_field, later.get());
     });
     return true;
 }
 
 void KcUiCommandLine::type(QKeyEvent* event)
 {
-    if (typedAhead(m_field, *event))
+    if (typedAhead(*event))
         return;
     if (keyPressed(event))
         return;
@@ -305,7 +303,7 @@ bool KcUiCommandLine::eventFilter(QObject* watched, QEvent* event)
         }
     }
     // A list of names that has just been closed still gets the keys that were on their way to it.
-    if ((watched == m_field || watched == m_completer->popup()) && typedAhead(m_field, *event))
+    if ((watched == m_field || watched == m_completer->popup()) && typedAhead(*event))
         return true;
     if (event->type() != QEvent::KeyPress)
         return QWidget::eventFilter(watched, event);

@@ -36,7 +36,7 @@ protected:
 
 private:
     bool keyPressed(QKeyEvent* event);
-    bool typedAhead(QWidget* receiver, const QEvent& event);
+    bool typedAhead(const QEvent& event);
     bool blankIsEnter() const;
     void recall(int step);
     void flush();

@@ -2,7 +2,7 @@
 // serves until the view or an entity changes.
 #pragma once
 
-#include "ed/grip_drag.h"
+#include "ed/commands/grip_drag.h"
 #include "ui/palette.h"
 #include "ui/screen_map.h"
 

@@ -1,6 +1,6 @@
 // The preview and the result come from the same function.
 
-#include "ed/grip_drag.h"
+#include "ed/commands/grip_drag.h"
 
 #include "db/tables.h"
 #include "ed/commands/tools.h"
